@@ -1,0 +1,56 @@
+# Quick start (a fresh Debian machine, as root):
+#   make demo   - installs what is missing, builds, runs the main job on the sample corpus
+#   make test   - installs what is missing, builds, runs every test (plain, then ASan+UBSan)
+
+PACKAGES := build-essential cmake pkg-config libicu-dev libzip-dev libgtest-dev \
+            libbenchmark-dev libpcre2-dev zip unzip
+JOBS     ?= $(shell nproc 2>/dev/null || echo 2)
+BUILD    ?= build
+ASAN     ?= build-asan
+BENCHDIR ?= build-bench
+KESTREL   = $(BUILD)/tools/kestrel
+
+.PHONY: all deps build test test-plain test-asan demo bench format clean
+
+all: build
+
+deps:
+	@missing=""; for p in $(PACKAGES); do \
+	  dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing:$$missing"; \
+	  if [ "$$(id -u)" -ne 0 ]; then SUDO=sudo; else SUDO=; fi; \
+	  $$SUDO apt-get update -qq && \
+	  DEBIAN_FRONTEND=noninteractive $$SUDO apt-get install -y -qq $$missing; \
+	fi
+
+$(BUILD)/CMakeCache.txt: | deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+build: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS)
+
+test-plain: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+test-asan: deps
+	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DKESTREL_SANITIZE=ON
+	cmake --build $(ASAN) -j $(JOBS)
+	cd $(ASAN) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j $(JOBS)
+
+test: test-plain test-asan
+
+demo: build
+	@sh tools/demo.sh $(KESTREL)
+
+bench: deps
+	cmake -S . -B $(BENCHDIR) -DCMAKE_BUILD_TYPE=Release -DKESTREL_BENCH=ON -DBUILD_TESTING=OFF
+	cmake --build $(BENCHDIR) -j $(JOBS) --target kestrel_bench
+	$(BENCHDIR)/bench/kestrel_bench $(BENCH_ARGS)
+
+format:
+	find kestrel tests tools bench -name '*.h' -o -name '*.cpp' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) $(ASAN) $(BENCHDIR)

@@ -1,0 +1,2 @@
+// The files subsystem.
+#pragma once

@@ -1,0 +1,11 @@
+// The host class framework: everything the library's units derive from or call.
+#pragma once
+
+#include <kestrel/frame/host/Consts.h>
+#include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/frame/host/SyncObjs.h>
+#include <kestrel/frame/host/SysUtils.h>
+#include <kestrel/frame/host/TList.h>
+#include <kestrel/frame/host/TObject.h>
+#include <kestrel/frame/host/TStream.h>
+#include <kestrel/frame/host/Types.h>

@@ -1,0 +1,63 @@
+// A list of untyped pointers with the host's growth, notification and errors.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <kestrel/frame/host/TObject.h>
+
+namespace kestrel {
+
+enum class TListNotification : uint8_t { lnAdded, lnExtracted, lnDeleted };
+
+using TListSortCompare = int (*)(void *item1, void *item2);
+
+class TList : public TObject {
+public:
+  TList() = default;
+  // Destruction clears the list. A subclass that overrides Clear calls its
+  // own Clear in its destructor, since a base destructor cannot reach it.
+  ~TList() override;
+
+  int32_t Add(void *item);
+  void Insert(int32_t index, void *item);
+  void *Get(int32_t index) const;
+  void Put(int32_t index, void *item);
+  void Delete(int32_t index);
+  void Exchange(int32_t index1, int32_t index2);
+  void Move(int32_t curIndex, int32_t newIndex);
+  void *Extract(void *item);
+  int32_t IndexOf(const void *item) const;
+  int32_t Remove(void *item);
+  void Pack();
+  void Sort(TListSortCompare compare);
+  void *First() const { return Get(0); }
+  void *Last() const { return Get(FCount - 1); }
+
+  int32_t Count() const { return FCount; }
+  void SetCount(int32_t newCount);
+  int32_t Capacity() const { return FCapacity; }
+  void SetCapacity(int32_t newCapacity);
+  void *operator[](int32_t index) const { return Get(index); }
+  void **List() { return FList.data(); }
+
+  virtual void Clear();
+  // Raises EListError with the message formatted with data.
+  [[noreturn]] static void Error(const char *msg, intptr_t data);
+
+protected:
+  virtual void Grow();
+  virtual void Notify(void *ptr, TListNotification action);
+
+private:
+  std::vector<void *> FList; // size() == FCapacity
+  int32_t FCount = 0;
+  int32_t FCapacity = 0;
+};
+
+// The host's quicksort over an array of pointers, safe against a compare that
+// is not a strict order (it never leaves the range).
+void QuickSortPointers(void **items, int32_t left, int32_t right, TListSortCompare compare);
+
+} // namespace kestrel

@@ -1,0 +1,37 @@
+// The root class: instances start zeroed (members are value-initialised),
+// destructors release owned parts, Free deletes a heap instance.
+#pragma once
+
+namespace kestrel {
+
+class TObject {
+public:
+  TObject() = default;
+  TObject(const TObject &) = delete;
+  TObject &operator=(const TObject &) = delete;
+  virtual ~TObject() = default;
+
+  // Frees a heap-allocated instance. Use the free function Free(p) where p may be null.
+  void Free() { delete this; }
+};
+
+// Free on null does nothing.
+inline void Free(TObject *obj) { delete obj; }
+
+template <typename T> void FreeAndNil(T *&obj) {
+  T *p = obj;
+  obj = nullptr;
+  delete p;
+}
+
+// Classes whose destruction goes through an operation of their own (a Free
+// that releases owned parts first) still destroy cleanly through delete.
+class TPersistent : public TObject {
+public:
+  virtual void Assign(TPersistent *source);
+
+protected:
+  virtual void AssignTo(TPersistent *dest);
+};
+
+} // namespace kestrel

@@ -1,0 +1,2 @@
+// The language subsystem.
+#pragma once

@@ -1,0 +1,2 @@
+// The search subsystem.
+#pragma once

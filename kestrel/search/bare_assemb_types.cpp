@@ -1,0 +1,4 @@
+// Unit bare_assemb_types: its start-up and finalisation do no work.
+#include <kestrel/frame/Units.h>
+
+KESTREL_DEFINE_UNIT(bare_assemb_types, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

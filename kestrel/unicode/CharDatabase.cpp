@@ -1,0 +1,7 @@
+#include <kestrel/unicode/CharDatabase.h>
+
+namespace kestrel {
+
+void FreeCharacterDatabase() {}
+
+} // namespace kestrel

@@ -1,0 +1,2 @@
+// The vocabulary subsystem.
+#pragma once

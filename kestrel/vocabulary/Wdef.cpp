@@ -1,0 +1,5 @@
+// Unit Wdef: the start-up pair and its count. The unit's state is set up here
+// as its parts are built.
+#include <kestrel/frame/Units.h>
+
+KESTREL_DEFINE_UNIT(Wdef, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

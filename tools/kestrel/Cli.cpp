@@ -1,0 +1,177 @@
+#include "Cli.h"
+
+#include <chrono>
+#include <cstdio>
+#include <unistd.h>
+
+namespace kestrel::cli {
+
+Args::Args(const std::vector<std::string> &argv, const std::vector<std::string> &valueOptions) {
+  bool onlyPositional = false;
+  for (size_t i = 0; i < argv.size(); ++i) {
+    const std::string &a = argv[i];
+    if (onlyPositional || a.size() < 3 || a.compare(0, 2, "--") != 0) {
+      if (a == "--")
+        onlyPositional = true;
+      else
+        positional_.push_back(a);
+      continue;
+    }
+    std::string name = a.substr(2), value;
+    size_t eq = name.find('=');
+    bool takesValue = false;
+    for (const auto &v : valueOptions)
+      takesValue |= v == name.substr(0, eq);
+    if (eq != std::string::npos) {
+      value = name.substr(eq + 1);
+      name = name.substr(0, eq);
+    } else if (takesValue) {
+      if (i + 1 >= argv.size())
+        throw UsageError{"option --" + name + " needs a value"};
+      value = argv[++i];
+    }
+    flags_.emplace(name, value);
+  }
+}
+
+std::string Args::Value(const std::string &name, const std::string &fallback) const {
+  auto it = flags_.find(name);
+  return it == flags_.end() ? fallback : it->second;
+}
+
+std::vector<std::string> Args::Values(const std::string &name) const {
+  std::vector<std::string> out;
+  auto [b, e] = flags_.equal_range(name);
+  for (auto it = b; it != e; ++it)
+    out.push_back(it->second);
+  return out;
+}
+
+int64_t Args::Number(const std::string &name, int64_t fallback) const {
+  if (!Has(name))
+    return fallback;
+  std::string v = Value(name);
+  try {
+    size_t used = 0;
+    long long n = std::stoll(v, &used, 10);
+    if (used == v.size())
+      return n;
+  } catch (...) {
+  }
+  throw UsageError{"option --" + name + " needs a whole number, not '" + v + "'"};
+}
+
+std::vector<std::string> Args::Unknown(const std::vector<std::string> &known) const {
+  std::vector<std::string> out;
+  for (const auto &[name, value] : flags_) {
+    bool ok = false;
+    for (const auto &k : known)
+      ok |= k == name;
+    if (!ok)
+      out.push_back("--" + name);
+  }
+  return out;
+}
+
+namespace {
+std::map<std::string, Command> &Registry() {
+  static std::map<std::string, Command> commands;
+  return commands;
+}
+} // namespace
+
+CommandRegistration::CommandRegistration(Command command) {
+  std::string name = command.name;
+  Registry().emplace(name, std::move(command));
+}
+
+const std::map<std::string, Command> &Commands() { return Registry(); }
+
+std::string JsonString(const std::string &utf8) {
+  std::string out = "\"";
+  for (unsigned char c : utf8) {
+    switch (c) {
+    case '"':
+      out += "\\\"";
+      break;
+    case '\\':
+      out += "\\\\";
+      break;
+    case '\n':
+      out += "\\n";
+      break;
+    case '\r':
+      out += "\\r";
+      break;
+    case '\t':
+      out += "\\t";
+      break;
+    default:
+      if (c < 0x20) {
+        char buf[8];
+        std::snprintf(buf, sizeof buf, "\\u%04x", c);
+        out += buf;
+      } else {
+        out += static_cast<char>(c);
+      }
+    }
+  }
+  return out + "\"";
+}
+
+std::string Utf16ToUtf8Lossless(const std::u16string &text) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    uint32_t c = text[i];
+    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+        text[i + 1] <= 0xDFFF) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
+    } else if (c >= 0xD800 && c <= 0xDFFF) {
+      c = 0xFFFD;
+    }
+    if (c < 0x80) {
+      out += static_cast<char>(c);
+    } else if (c < 0x800) {
+      out += static_cast<char>(0xC0 | (c >> 6));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      out += static_cast<char>(0xE0 | (c >> 12));
+      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      out += static_cast<char>(0xF0 | (c >> 18));
+      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+  return out;
+}
+
+static int64_t NowMs() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+Progress::Progress(bool forced) : enabled_(forced || isatty(STDERR_FILENO)) {}
+Progress::~Progress() { Done(); }
+
+void Progress::Update(const std::string &text) {
+  if (!enabled_)
+    return;
+  int64_t now = NowMs();
+  if (shown_ && now - lastMs_ < 100)
+    return;
+  lastMs_ = now;
+  std::fprintf(stderr, "\r\033[K%s", text.c_str());
+  std::fflush(stderr);
+  shown_ = true;
+}
+
+void Progress::Done() {
+  if (shown_)
+    std::fprintf(stderr, "\r\033[K");
+  shown_ = false;
+}
+
+} // namespace kestrel::cli
