@@ -3,6 +3,12 @@
 // "which transition wins on this unit" without walking the symbols; they are
 // built from the same symbol tests, so every result stays the same.
 #include <algorithm>
+#include <bitset>
+#include <mutex>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
@@ -180,6 +186,9 @@ int32_t TURESearch::Decide(uint32_t Cur, UCS4 C) {
 }
 
 void TURESearch::ClearFastTables() {
+  FStartUnits.clear();
+  FStartUnitsKnown = false;
+  FStartSkipsHigh = false;
   FStep.clear();
   FDecisions.clear();
   FAnchorVisit.clear();
@@ -198,6 +207,109 @@ void TURESearch::BuildFastTables() {
   for (uint32_t s = 0; s < n; ++s)
     for (UCS4 c = 0; c < 256; ++c)
       FStep[s * 256 + c] = (c == 0x0A || c == 0x0D) ? Anchored : Decide(s, c);
+  FindStartUnits();
+}
+
+namespace {
+
+// The units below 256 that are the lower-case form of some character from
+// U+0100 up (the dotted I, the Kelvin and Angstrom signs...). The case table
+// maps nothing above U+FFFF, so the basic plane is all there is to look at.
+const std::bitset<256> &FoldTargetsBelow256() {
+  static std::bitset<256> targets;
+  static std::once_flag once;
+  std::call_once(once, [] {
+    for (UCS4 c = 0x100; c < 0x10000; ++c)
+      if (c < 0xD800 || c > 0xDFFF)
+        if (UCS4 l = UnicodeToLower(c); l < 256)
+          targets.set(l);
+  });
+  return targets;
+}
+
+} // namespace
+
+// Whether some code point from 256 up, folded as the scan folds it, could be
+// accepted by the symbol.
+bool TURESearch::MayAcceptAbove255(const TSymbolTableEntry &Sym) const {
+  const bool fold = (DFA.Flags & FoldCase) != 0;
+  switch (Sym.SymbolType) {
+  case CharSymbol:
+    return Sym.Symbol.Chr >= 256 || (fold && FoldTargetsBelow256().test(Sym.Symbol.Chr));
+  case ClassSymbol: {
+    if (Sym.Props != 0)
+      return true;
+    const TCClass &ccl = Sym.Symbol.CCL;
+    for (int32_t i = 0; i < ccl.RangesUsed; ++i) {
+      if (ccl.Ranges[i].High >= 256)
+        return true;
+      if (fold)
+        for (UCS4 c = ccl.Ranges[i].Low; c <= ccl.Ranges[i].High; ++c)
+          if (FoldTargetsBelow256().test(c))
+            return true;
+    }
+    return false;
+  }
+  default: // the dot, negated classes, anchors
+    return true;
+  }
+}
+
+void TURESearch::FindStartUnits() {
+  if (DFA.StateList.States[0].Accepting)
+    return;
+  const TDFAState &st = DFA.StateList.States[0];
+  bool high = false;
+  for (uint32_t i = 0; i < st.NumberTransitions && !high; ++i)
+    high = MayAcceptAbove255(
+        DFA.SymbolTable.Symbols[DFA.TransitionList.Transitions[st.StartTransition + i].Symbol]);
+  FStartSkipsHigh = !high;
+  std::vector<char16_t> units;
+  for (UCS4 c = 0; c < 256; ++c) {
+    int32_t target = FStep[c];
+    if (target == Anchored && !high) // no anchor in the start state
+      target = Decide(0, c);
+    if (target != NoTarget)
+      units.push_back(char16_t(c));
+  }
+  if (units.size() <= 8) {
+    FStartUnits = std::move(units);
+    FStartUnitsKnown = true;
+  }
+}
+
+// The first unit from Run on that may begin a match, in the start state and
+// away from the first unit of the text; End if there is none.
+const char16_t *TURESearch::SkipToStart(const char16_t *Run, const char16_t *End) const {
+  if (FStartUnitsKnown && FStartSkipsHigh) {
+    const size_t k = FStartUnits.size();
+#if defined(__SSE2__)
+    __m128i want[8];
+    for (size_t i = 0; i < k; ++i)
+      want[i] = _mm_set1_epi16(short(FStartUnits[i]));
+    while (End - Run >= 8) {
+      __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run));
+      __m128i hit = _mm_setzero_si128();
+      for (size_t i = 0; i < k; ++i)
+        hit = _mm_or_si128(hit, _mm_cmpeq_epi16(v, want[i]));
+      if (int mask = _mm_movemask_epi8(hit))
+        return Run + (__builtin_ctz(unsigned(mask)) >> 1);
+      Run += 8;
+    }
+#endif
+    for (; Run < End; ++Run)
+      for (size_t i = 0; i < k; ++i)
+        if (*Run == FStartUnits[i])
+          return Run;
+    return End;
+  }
+  while (Run < End) {
+    char16_t u = *Run;
+    if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh)
+      return Run;
+    ++Run;
+  }
+  return End;
 }
 
 namespace {
@@ -243,8 +355,7 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
   while (!found && run < end) {
     if (skipStart && cur == 0 && ms == Unset && run != Text) {
       // Units that fail in the start state only start the scan over.
-      while (run < end && *run < 256 && FStep[*run] == NoTarget)
-        ++run;
+      run = SkipToStart(run, end);
       if (run == end) break;
     }
     const char16_t *prev = run;

@@ -266,6 +266,8 @@ private:
 
   // Lookup tables computed after a compile; they only speed up ExecuteURE.
   void BuildFastTables();
+  void FindStartUnits();
+  bool MayAcceptAbove255(const TSymbolTableEntry &Sym) const;
   void ClearFastTables();
   int32_t TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const char16_t *Text,
                          const char16_t *End, const char16_t *Prev, const char16_t *&Run,
@@ -295,6 +297,13 @@ private:
     int32_t Target = 0;
   };
   std::vector<TDecisionCache> FDecisions;
+  // Where a new attempt can begin: the units below 256 that do not fail in
+  // the start state when they are few, and whether every unit from 256 up
+  // fails there. The scan jumps over what cannot begin a match.
+  std::vector<char16_t> FStartUnits;
+  bool FStartUnitsKnown = false;
+  bool FStartSkipsHigh = false;
+  const char16_t *SkipToStart(const char16_t *Run, const char16_t *End) const;
   // States visited by `^` steps at the first unit of a text, by scan number.
   std::vector<uint32_t> FAnchorVisit;
   uint32_t FAnchorStamp = 0;
