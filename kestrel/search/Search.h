@@ -1,2 +1,4 @@
 // The search subsystem.
 #pragma once
+
+#include <kestrel/search/SearchEngine.h>

@@ -22,6 +22,7 @@ inline constexpr const char *SInvalidInteger = "'%s' is not a valid integer valu
 inline constexpr const char *SInvalidDate = "'%s' is not a valid date";
 inline constexpr const char *SInvalidMask = "'%s' is an invalid mask at (%d)";
 inline constexpr const char *SInvalidPropertyValue = "Invalid property value";
+inline constexpr const char *SUnknownProperty = "Property %s does not exist";
 inline constexpr const char *SReadListError = "Invalid stream format";
 
 } // namespace kestrel::Consts

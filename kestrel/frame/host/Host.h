@@ -3,6 +3,7 @@
 
 #include <kestrel/frame/host/Consts.h>
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/frame/host/Filer.h>
 #include <kestrel/frame/host/SyncObjs.h>
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/host/TList.h>

@@ -4,6 +4,8 @@
 
 namespace kestrel {
 
+class TFiler;
+
 class TObject {
 public:
   TObject() = default;
@@ -29,6 +31,9 @@ template <typename T> void FreeAndNil(T *&obj) {
 class TPersistent : public TObject {
 public:
   virtual void Assign(TPersistent *source);
+
+  // Names the properties that the object streams itself (see Filer.h).
+  virtual void DefineProperties(TFiler *filer) {}
 
 protected:
   virtual void AssignTo(TPersistent *dest);
