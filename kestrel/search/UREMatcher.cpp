@@ -12,6 +12,7 @@
 
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
+#include <kestrel/unicode/CharTables.h>
 #include <kestrel/unicode/Unicode.h>
 
 namespace kestrel {
