@@ -82,21 +82,19 @@ bool TURESearch::FindAll(const std::u16string &Text) {
   return FindAll(Text.c_str(), uint32_t(Text.size()));
 }
 
-// A scan that ends with an empty match where it started (`^` on a line,
-// `^$` on an empty line, `$` after a match that used up the text) leaves the
-// position where it was. The empty match is kept and the search steps one
-// character past it: one unit, or both units of a surrogate pair. At the end
-// of the text the search stops.
+// An empty match (`^` on a line, `^$` on an empty line, `$` after a match
+// that used up the text) would leave the next scan where it is, to find the
+// same empty match again. The empty match is kept once and the search goes on
+// one character past it: one unit, or both units of a surrogate pair. At the
+// end of the text the search stops.
 bool TURESearch::FindAll(const char16_t *Text, uint32_t TextLen) {
   ClearResults();
   if (Text == nullptr) return false;
   uint32_t run = 0, s = 0, e = 0;
   while (ExecuteURE(0, Text + run, TextLen - run, s, e)) {
     AddResult(run + s, run + e);
-    if (e > 0) {
-      run += e;
-      continue;
-    }
+    run += e;
+    if (s < e) continue;
     uint32_t left = TextLen - run;
     if (left == 0) break;
     run +=
@@ -222,8 +220,7 @@ const std::bitset<256> &FoldTargetsBelow256() {
   std::call_once(once, [] {
     for (UCS4 c = 0x100; c < 0x10000; ++c)
       if (c < 0xD800 || c > 0xDFFF)
-        if (UCS4 l = UnicodeToLower(c); l < 256)
-          targets.set(l);
+        if (UCS4 l = UnicodeToLower(c); l < 256) targets.set(l);
   });
   return targets;
 }
@@ -238,16 +235,13 @@ bool TURESearch::MayAcceptAbove255(const TSymbolTableEntry &Sym) const {
   case CharSymbol:
     return Sym.Symbol.Chr >= 256 || (fold && FoldTargetsBelow256().test(Sym.Symbol.Chr));
   case ClassSymbol: {
-    if (Sym.Props != 0)
-      return true;
+    if (Sym.Props != 0) return true;
     const TCClass &ccl = Sym.Symbol.CCL;
     for (int32_t i = 0; i < ccl.RangesUsed; ++i) {
-      if (ccl.Ranges[i].High >= 256)
-        return true;
+      if (ccl.Ranges[i].High >= 256) return true;
       if (fold)
         for (UCS4 c = ccl.Ranges[i].Low; c <= ccl.Ranges[i].High; ++c)
-          if (FoldTargetsBelow256().test(c))
-            return true;
+          if (FoldTargetsBelow256().test(c)) return true;
     }
     return false;
   }
@@ -257,8 +251,7 @@ bool TURESearch::MayAcceptAbove255(const TSymbolTableEntry &Sym) const {
 }
 
 void TURESearch::FindStartUnits() {
-  if (DFA.StateList.States[0].Accepting)
-    return;
+  if (DFA.StateList.States[0].Accepting) return;
   const TDFAState &st = DFA.StateList.States[0];
   bool high = false;
   for (uint32_t i = 0; i < st.NumberTransitions && !high; ++i)
@@ -270,8 +263,7 @@ void TURESearch::FindStartUnits() {
     int32_t target = FStep[c];
     if (target == Anchored && !high) // no anchor in the start state
       target = Decide(0, c);
-    if (target != NoTarget)
-      units.push_back(char16_t(c));
+    if (target != NoTarget) units.push_back(char16_t(c));
   }
   if (units.size() <= 8) {
     FStartUnits = std::move(units);
@@ -293,21 +285,18 @@ const char16_t *TURESearch::SkipToStart(const char16_t *Run, const char16_t *End
       __m128i hit = _mm_setzero_si128();
       for (size_t i = 0; i < k; ++i)
         hit = _mm_or_si128(hit, _mm_cmpeq_epi16(v, want[i]));
-      if (int mask = _mm_movemask_epi8(hit))
-        return Run + (__builtin_ctz(unsigned(mask)) >> 1);
+      if (int mask = _mm_movemask_epi8(hit)) return Run + (__builtin_ctz(unsigned(mask)) >> 1);
       Run += 8;
     }
 #endif
     for (; Run < End; ++Run)
       for (size_t i = 0; i < k; ++i)
-        if (*Run == FStartUnits[i])
-          return Run;
+        if (*Run == FStartUnits[i]) return Run;
     return End;
   }
   while (Run < End) {
     char16_t u = *Run;
-    if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh)
-      return Run;
+    if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh) return Run;
     ++Run;
   }
   return End;

@@ -45,7 +45,9 @@ void ExpectWellFormed(const TDFA &dfa) {
       const TTransition &tr = dfa.TransitionList.Transitions[next + t];
       ASSERT_LT(tr.NextState, dfa.StateList.StatesUsed);
       ASSERT_LT(tr.Symbol, dfa.SymbolTable.SymbolsUsed);
-      if (t > 0) ASSERT_LT(dfa.TransitionList.Transitions[next + t - 1].Symbol, tr.Symbol);
+      if (t > 0) {
+        ASSERT_LT(dfa.TransitionList.Transitions[next + t - 1].Symbol, tr.Symbol);
+      }
     }
     next += st.NumberTransitions;
   }

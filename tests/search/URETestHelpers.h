@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/search/URESearch.h>
 
 namespace kestrel::test {
