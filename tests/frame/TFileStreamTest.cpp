@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <sys/stat.h>
 
 #include <kestrel/frame/host/DateUtils.h>
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/FindFile.h>
+#include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/host/TFileStream.h>
 #include <kestrel/frame/platform/Platform.h>
 
@@ -136,4 +138,20 @@ TEST(TFileStream, HandleDatesUseTheStamp) {
   EXPECT_EQ(FileAge(dir / "none.txt"), -1);
   EXPECT_EQ(FileSetDate(dir / "d.txt", stamp + 1), 0);
   EXPECT_EQ(FileAge(dir / "d.txt"), stamp + 1);
+}
+
+TEST(TFileStream, AFailedOpenLeavesTheSystemsError) {
+  TempDir dir;
+  try {
+    TFileStream s(dir / "missing.txt", fmOpenRead);
+  } catch (const EFOpenError &) {
+    EXPECT_EQ(GetLastOSError(), ENOENT);
+  }
+  dir.WriteFile("held", "x");
+  TFileStream held(dir / "held", fmOpenRead | fmShareExclusive);
+  try {
+    TFileStream s(dir / "held", fmOpenRead | fmShareDenyNone);
+  } catch (const EFOpenError &) {
+    EXPECT_EQ(GetLastOSError(), ERROR_SHARING_VIOLATION_ERRNO);
+  }
 }

@@ -195,10 +195,6 @@ int32_t FileSetDate(THandle handle, int32_t age) {
   return ::futimens(static_cast<int>(handle), times) == 0 ? 0 : errno;
 }
 
-int32_t GetLastOSError() {
-  return errno;
-}
-
 std::string SysErrorMessage(int32_t errorCode) {
   char buf[256];
   const char *text = strerror_r(errorCode, buf, sizeof buf); // the GNU form
@@ -240,16 +236,20 @@ TFileStream::TFileStream(const std::string &fileName, uint16_t mode)
   if (mode == fmCreate) {
     FHandle = FileCreate(fileName);
     if (FHandle < 0) {
-      std::string reason = OpenFailureReason(errno);
-      throw EFCreateError(
-          Format(Consts::SFCreateErrorEx, ExpandFileName(fileName).c_str(), reason.c_str()));
+      int error = errno;
+      EFCreateError e(Format(Consts::SFCreateErrorEx, ExpandFileName(fileName).c_str(),
+                             OpenFailureReason(error).c_str()));
+      errno = error; // for RaiseLastOSError
+      throw e;
     }
   } else {
     FHandle = FileOpen(fileName, mode);
     if (FHandle < 0) {
-      std::string reason = OpenFailureReason(errno);
-      throw EFOpenError(
-          Format(Consts::SFOpenErrorEx, ExpandFileName(fileName).c_str(), reason.c_str()));
+      int error = errno;
+      EFOpenError e(Format(Consts::SFOpenErrorEx, ExpandFileName(fileName).c_str(),
+                           OpenFailureReason(error).c_str()));
+      errno = error; // for RaiseLastOSError
+      throw e;
     }
   }
 }

@@ -32,7 +32,8 @@ inline constexpr THandle INVALID_HANDLE_VALUE = -1;
 inline constexpr int32_t ERROR_SHARING_VIOLATION_ERRNO = 16; // EBUSY
 
 // Handle functions: an invalid handle or -1 on failure, with the reason in
-// errno (read it with GetLastOSError).
+// errno (read it with GetLastOSError, which a failed TFileStream also leaves
+// set).
 THandle FileOpen(const std::string &fileName, uint32_t mode);
 THandle FileCreate(const std::string &fileName);
 int32_t FileRead(THandle handle, void *buffer, int32_t count);
@@ -44,7 +45,6 @@ int32_t FileGetDate(THandle handle);
 // Sets the modification date from a stamp; 0 on success, else an error number.
 int32_t FileSetDate(THandle handle, int32_t age);
 
-int32_t GetLastOSError();
 std::string SysErrorMessage(int32_t errorCode);
 
 // A stream over a handle it does not own.
