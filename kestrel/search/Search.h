@@ -2,3 +2,5 @@
 #pragma once
 
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/search/SortableLists.h>
+#include <kestrel/search/myMasks.h>
