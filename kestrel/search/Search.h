@@ -2,3 +2,4 @@
 #pragma once
 
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/search/UTBMSearch.h>
