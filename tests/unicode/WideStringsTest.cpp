@@ -581,3 +581,24 @@ TEST(WideStringList, AssignAndAddStringsBetweenWideLists) {
   TPersistent other;
   EXPECT_THROW(b.Assign(&other), EConvertError);
 }
+
+TEST(WideStringList, AssignBetweenByteAndWideLists) {
+  TObject obj;
+  TStringList narrow;
+  narrow.AddObject("caf\xC3\xA9", &obj); // byte strings are in the system code page
+  narrow.Add("x");
+  TWideStringList wide;
+  wide.Add(u"old");
+  wide.Assign(&narrow);
+  EXPECT_EQ(ItemsOf(wide), (Items{u"caf\u00E9", u"x"}));
+  EXPECT_EQ(wide.GetObject(0), &obj);
+  wide.AddStrings(&narrow);
+  EXPECT_EQ(wide.GetCount(), 4);
+
+  TStringList back;
+  back.Add("old");
+  back.Assign(&wide); // through the wide list's AssignTo
+  ASSERT_EQ(back.GetCount(), 4);
+  EXPECT_EQ(back.Get(0), "caf\xC3\xA9");
+  EXPECT_EQ(back.GetObject(0), &obj);
+}
