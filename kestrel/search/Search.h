@@ -2,4 +2,6 @@
 #pragma once
 
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/search/SortableLists.h>
 #include <kestrel/search/UTBMSearch.h>
+#include <kestrel/search/myMasks.h>
