@@ -198,9 +198,11 @@ void TPeruseDir::AddAZip(TMySearchRecList *list, const std::string &folder,
 
 void TPeruseDir::AddAZipTo(Sink &sink, const std::string &folder, const std::string &zipName) {
   auto zip = std::make_unique<TVCLUnZip>(nullptr);
-  zip->OnZipComponentEvent = OnZipComponentEvent;
+  zip->OnEntryRead = OnZipComponentEvent;
   zip->SetZipName(folder + zipName);
-  zip->SetScannerOption();
+  // Listing unpacks nothing; should a reader be used to unpack, it keeps
+  // existing files.
+  zip->OverwriteMode = TUZOverwriteMode::Never;
   if (OnZipStartReading)
     OnZipStartReading(zip->GetZipName());
   try {
@@ -222,7 +224,7 @@ void TPeruseDir::AddAZipTo(Sink &sink, const std::string &folder, const std::str
       TMySearchRec rec;
       rec.Name = folder + zipName + PathDelim + zip->GetPathname(i) + name;
       rec.Date = zip->GetDateTime(i);
-      rec.Size = zip->GetUnCompressedSize(i);
+      rec.Size = static_cast<int32_t>(zip->GetUnCompressedSize(i));
       rec.Attr = zip->GetExternalFileAttributes(i);
       rec.ZipNumber = static_cast<int16_t>(i + 1);
       if (sink.list != nullptr)

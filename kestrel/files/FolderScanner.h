@@ -65,8 +65,9 @@ public:
   TFoundDirEvent OnFoundDir;
   TZipReadingEvent OnZipReading;
   TZipDoneReadingEvent OnZipDoneReading;
-  // Handed to every archive reader the scanner creates; never called here.
-  TZipComponentEvent OnZipComponentEvent;
+  // Handed to every archive reader the scanner creates (it reports each
+  // directory entry read); the scanner itself never calls it.
+  TUZEntryReadEvent OnZipComponentEvent;
 
 private:
   // Sink of the two passes: the events, or a list.
