@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include <kestrel/frame/host/Host.h>
@@ -108,4 +110,18 @@ TEST(Filer, BadStreamsRaiseReadErrors) {
     Words w;
     EXPECT_THROW(TReader(s.get()).ReadProperties(&w), EReadError) << c.what;
   }
+}
+
+TEST(SysUtils, RaiseLastOSErrorCarriesTheSystemCodeAndText) {
+  try {
+    RaiseLastOSError(2);
+    FAIL();
+  } catch (const EOSError &e) {
+    EXPECT_EQ(e.ErrorCode, 2);
+    EXPECT_NE(e.Message().find("Code: 2."), std::string::npos) << e.Message();
+    EXPECT_NE(e.Message().find(std::strerror(2)), std::string::npos) << e.Message();
+  }
+  EXPECT_THROW(RaiseLastOSError(0), EOSError);
+  errno = 13;
+  EXPECT_EQ(GetLastOSError(), 13);
 }

@@ -22,6 +22,8 @@ inline constexpr const char *SInvalidInteger = "'%s' is not a valid integer valu
 inline constexpr const char *SInvalidDate = "'%s' is not a valid date";
 inline constexpr const char *SInvalidMask = "'%s' is an invalid mask at (%d)";
 inline constexpr const char *SInvalidPropertyValue = "Invalid property value";
+inline constexpr const char *SOSError = "System Error.  Code: %d.\n%s";
+inline constexpr const char *SUnkOSError = "A call to an OS function failed";
 inline constexpr const char *SUnknownProperty = "Property %s does not exist";
 inline constexpr const char *SReadListError = "Invalid stream format";
 

@@ -2,6 +2,7 @@
 // Exception, whose Message is the text shown to the user.
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <string>
 
@@ -38,5 +39,13 @@ KESTREL_DECLARE_EXCEPTION(EOutOfMemory, Exception);
 KESTREL_DECLARE_EXCEPTION(EInOutError, Exception);
 KESTREL_DECLARE_EXCEPTION(EMaskException, Exception);
 KESTREL_DECLARE_EXCEPTION(EInvalidOperation, Exception);
+
+// A failed operating-system call, with the system's error code.
+class EOSError : public Exception {
+public:
+  EOSError(std::string message, int32_t errorCode)
+      : Exception(std::move(message)), ErrorCode(errorCode) {}
+  int32_t ErrorCode;
+};
 
 } // namespace kestrel

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -237,5 +238,15 @@ int32_t IOResult() {
 }
 
 std::string ParamStr0() { return GetModuleFileNameA(nullptr); }
+
+int32_t GetLastOSError() { return errno; }
+
+void RaiseLastOSError() { RaiseLastOSError(GetLastOSError()); }
+
+void RaiseLastOSError(int32_t lastError) {
+  if (lastError != 0)
+    throw EOSError(Format(Consts::SOSError, lastError, std::strerror(lastError)), lastError);
+  throw EOSError(Consts::SUnkOSError, 0);
+}
 
 } // namespace kestrel

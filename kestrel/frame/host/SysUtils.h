@@ -50,6 +50,12 @@ void ChDir(std::string_view path);
 void MkDir(std::string_view path);
 int32_t IOResult();
 
+// The system's last error code (errno on this platform).
+int32_t GetLastOSError();
+// Raises EOSError for the system's last error: its code and the system's text.
+[[noreturn]] void RaiseLastOSError();
+[[noreturn]] void RaiseLastOSError(int32_t lastError);
+
 // The running program's full file name.
 std::string ParamStr0();
 

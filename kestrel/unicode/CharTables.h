@@ -1,0 +1,146 @@
+// The five character tables in memory, for the unit's own lookups (property
+// tests, numbers, case mapping, decomposition). Not part of the public
+// interface.
+//
+// Each table is loaded on first use from its resource of type "UNICODE"
+// under DatabaseLock and then never changes. A table is published through an
+// atomic pointer only after all its arrays are read and byte-swapped, so the
+// unlocked fast path (an acquire load) always sees a complete table.
+//
+// Arrays are sized from the header; what a short resource does not fill
+// stays 0. The two arrays sized by a 32-bit field (DecompositionData,
+// NumberValues) are never made longer than what the resource still holds, so
+// a hostile size cannot make us allocate: they may then be shorter than the
+// header says, and lookups treat anything past their end as 0 elements.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include <kestrel/frame/host/SyncObjs.h>
+#include <kestrel/frame/host/Types.h>
+
+namespace kestrel {
+
+// The properties of "TYPE", by index.
+// clang-format off
+enum : int {
+  upMn = 0, upMc, upMe, upNd, upNl, upNo, upZs, upZl, upZp, upCc, upCf, upCs, upCo, upCn,
+  upLu, upLl, upLt, upLm, upLo, upPc, upPd, upPs, upPe, upPo, upSm, upSc, upSk, upSo,
+  upL, upR, upEN, upES, upET, upAN, upCS, upB, upS, upWhiteSpace, upON, upComposite,
+  upNonBreaking, upSymmetric, upHexDigit, upQuotationMark, upMirroring, upSpaceControls,
+  upDefined, upPi, upPf,
+  upPropertyCount // 49
+};
+// clang-format on
+
+// Short label of each property ("Mn", "white space", "Composite", ...).
+extern const char *const UnicodePropertyLabels[upPropertyCount];
+
+struct TTypeTable {
+  uint16_t Count = 0;                    // properties
+  std::vector<uint16_t> PropertyOffsets; // Count + 1 entries; 0xFFFF = no ranges
+  std::vector<uint32_t> PropertyRanges;  // first, last, first, last ...
+  // Derived at load from PropertyOffsets (the same walk as the lookup's),
+  // per property: index in PropertyRanges of its first pair, number of
+  // complete pairs, and its highest code for a quick reject.
+  std::vector<uint32_t> PairStart, PairCount, LastCode;
+};
+
+struct TCaseTable {
+  std::vector<uint32_t> CaseMap; // rows of three numbers: upper, lower, title sections
+  uint32_t CaseLength = 0;       // total rows x 3
+  uint16_t UpperLength = 0;      // upper rows x 3, kept in 16 bits
+  uint16_t LowerLength = 0;      // lower rows x 3, kept in 16 bits
+};
+
+struct TDecompositionTable {
+  uint16_t Rows = 0;
+  std::vector<uint32_t> DecompositionNodes; // code, offset per row; then the closing total
+  std::vector<uint32_t> DecompositionData;  // the runs, each ending in 0
+};
+
+struct TCombiningTable {
+  uint16_t Rows = 0;
+  std::vector<uint32_t> CombiningNodes; // first code, last code, class per row
+};
+
+struct TNumberTable {
+  uint16_t Count = 0;                 // 32-bit words in the node area, two per row
+  std::vector<uint32_t> NumberNodes;  // code, index into NumberValues
+  std::vector<uint16_t> NumberValues; // numerator, denominator pairs
+};
+
+// Guards the first load of every table; created on first need, safely
+// against several threads, and freed by the unit's finalisation.
+TCriticalSection &DatabaseLock();
+
+namespace chartables {
+extern std::atomic<const TTypeTable *> TypeTable;
+extern std::atomic<const TCaseTable *> CaseTable;
+extern std::atomic<const TDecompositionTable *> DecompositionTable;
+extern std::atomic<const TCombiningTable *> CombiningTable;
+extern std::atomic<const TNumberTable *> NumberTable;
+// How many times a table resource has been read, for tests of the load.
+extern std::atomic<uint32_t> ResourceReads;
+} // namespace chartables
+
+// The locked part of each load: reads the resource unless another thread did
+// meanwhile. Raises the resource stream's error when the resource is missing;
+// nothing is installed then and the next call tries again.
+const TTypeTable &LoadTypeTable();
+const TCaseTable &LoadCaseTable();
+const TDecompositionTable &LoadDecompositionTable();
+const TCombiningTable &LoadCombiningTable();
+const TNumberTable &LoadNumberTable();
+
+// The tables, loaded on first use.
+inline const TTypeTable &TypeTable() {
+  const TTypeTable *t = chartables::TypeTable.load(std::memory_order_acquire);
+  return t ? *t : LoadTypeTable();
+}
+inline const TCaseTable &CaseTable() {
+  const TCaseTable *t = chartables::CaseTable.load(std::memory_order_acquire);
+  return t ? *t : LoadCaseTable();
+}
+inline const TDecompositionTable &DecompositionTable() {
+  const TDecompositionTable *t = chartables::DecompositionTable.load(std::memory_order_acquire);
+  return t ? *t : LoadDecompositionTable();
+}
+inline const TCombiningTable &CombiningTable() {
+  const TCombiningTable *t = chartables::CombiningTable.load(std::memory_order_acquire);
+  return t ? *t : LoadCombiningTable();
+}
+inline const TNumberTable &NumberTable() {
+  const TNumberTable *t = chartables::NumberTable.load(std::memory_order_acquire);
+  return t ? *t : LoadNumberTable();
+}
+
+// Whether Code lies in one of the ranges of property n of a loaded table.
+// Sorted, disjoint pairs: the last pair whose first code is not above Code is
+// the only one that can hold it; it is found by a branch-free bisection.
+inline bool LookupPropertyIn(const TTypeTable &t, UCS4 code, unsigned n) {
+  if (n >= t.Count) return false;
+  uint32_t count = t.PairCount[n];
+  const uint32_t *base = t.PropertyRanges.data() + t.PairStart[n];
+  if (count == 0 || code < base[0] || code > t.LastCode[n]) return false;
+  while (count > 1) {
+    uint32_t half = count >> 1;
+    base = base[2 * half] <= code ? base + 2 * half : base;
+    count -= half;
+  }
+  return code <= base[1];
+}
+
+// Whether Code lies in property n (0 to 48 of the table); false for an index
+// outside the table.
+inline bool UnicodeLookupProperty(UCS4 code, int n) {
+  return n >= 0 && LookupPropertyIn(TypeTable(), code, unsigned(n));
+}
+
+// Frees every loaded table and the lock, in the unit's order; the next
+// question loads again.
+void FreeCharacterTables();
+
+} // namespace kestrel
