@@ -6,6 +6,8 @@
 #include <kestrel/frame/myKpSmall.h>
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Resources.h>
+#include <kestrel/frame/platform/TempPath.h>
+#include <kestrel/frame/zip/VCLUnZip.h>
 #include <kestrel/unicode/Unicode.h>
 #include <kestrel/search/Search.h>
 #include <kestrel/vocabulary/Vocabulary.h>

@@ -26,5 +26,9 @@ inline constexpr const char *SOSError = "System Error.  Code: %d.\n%s";
 inline constexpr const char *SUnkOSError = "A call to an OS function failed";
 inline constexpr const char *SUnknownProperty = "Property %s does not exist";
 inline constexpr const char *SReadListError = "Invalid stream format";
+inline constexpr const char *SDateEncodeError = "Invalid argument to date encode";
+inline constexpr const char *STimeEncodeError = "Invalid argument to time encode";
+inline constexpr const char *SSharingViolation =
+    "The file is in use by another open file that does not share it";
 
 } // namespace kestrel::Consts

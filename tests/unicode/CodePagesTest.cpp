@@ -1,0 +1,137 @@
+// Code pages, code blocks and the locale-aware compare of the unit.
+#include <gtest/gtest.h>
+
+#include <kestrel/frame/platform/Nls.h>
+#include <kestrel/frame/platform/Platform.h>
+#include <kestrel/unicode/CodePages.h>
+
+namespace kestrel {
+namespace {
+
+constexpr uint32_t kEnglishUS = 0x0409, kGerman = 0x0407, kJapanese = 0x0411, kRussian = 0x0419,
+                   kTurkish = 0x041F, kHindi = 0x0439, kUnknown = 0x1234;
+
+TEST(CodePages, Constants) {
+  EXPECT_EQ(ReplacementCharacter, 0xFFFDu);
+  EXPECT_EQ(MaximumUCS2, 0xFFFFu);
+  EXPECT_EQ(MaximumUTF16, 0x10FFFFu);
+  EXPECT_EQ(MaximumUCS4, 0x7FFFFFFFu);
+  EXPECT_EQ(SurrogateHighStart, 0xD800u);
+  EXPECT_EQ(SurrogateHighEnd, 0xDBFFu);
+  EXPECT_EQ(SurrogateLowStart, 0xDC00u);
+  EXPECT_EQ(SurrogateLowEnd, 0xDFFFu);
+  EXPECT_EQ(CRLF, u"\r\n"); // filled at start-up
+}
+
+TEST(CodeBlocks, FromChar) {
+  const std::pair<char16_t, uint32_t> cases[] = {
+      {0x0041, 0},  {0x00E9, 1},  {0x007F, 0},  {0x0080, 1},  {0x04FF, 8},  {0x0500, 67},
+      {0x052F, 67}, {0x0530, 9},  {0x0700, 67}, {0x0FBF, 23}, {0x0FC0, 67}, {0x3400, 67},
+      {0x4E00, 53}, {0x9FFF, 53}, {0xAC00, 54}, {0xD7A3, 54}, {0xD7A4, 67}, {0xD800, 55},
+      {0xDB7F, 55}, {0xDB80, 56}, {0xDC00, 57}, {0xE000, 58}, {0xF8FF, 58}, {0xFE00, 67},
+      {0xFE20, 62}, {0xFEFF, 65}, {0xFF00, 66}, {0xFFEF, 66}, {0xFFF0, 67}, {0xFFFF, 67},
+  };
+  for (auto [c, block] : cases)
+    EXPECT_EQ(CodeBlockFromChar(c), block) << std::hex << unsigned(c);
+}
+
+TEST(CodeBlocks, EveryUnitLiesInItsNamedRange) {
+  // Blocks run in order: the number never falls, and a unit in a block stays
+  // in it until the block's last unit.
+  uint32_t previous = 0;
+  for (uint32_t c = 0; c <= 0xFFFF; ++c) {
+    uint32_t b = CodeBlockFromChar(static_cast<char16_t>(c));
+    ASSERT_LE(b, NoCodeBlock);
+    if (b != NoCodeBlock) {
+      ASSERT_GE(b, previous) << std::hex << c;
+      previous = b;
+    }
+  }
+  EXPECT_STREQ(CodeBlockName(0), "Basic Latin");
+  EXPECT_STREQ(CodeBlockName(54), "Hangul Syllables");
+  EXPECT_STREQ(CodeBlockName(66), "Halfwidth and Fullwidth Forms");
+  EXPECT_STREQ(CodeBlockName(NoCodeBlock), "");
+}
+
+TEST(CodePages, FromLocale) {
+  EXPECT_EQ(CodePageFromLocale(kEnglishUS), 1252u);
+  EXPECT_EQ(CodePageFromLocale(kGerman), 1252u);
+  EXPECT_EQ(CodePageFromLocale(kJapanese), 932u);
+  EXPECT_EQ(CodePageFromLocale(kRussian), 1251u);
+  EXPECT_EQ(CodePageFromLocale(kTurkish), 1254u);
+  EXPECT_EQ(CodePageFromLocale(kHindi), 0u); // a Unicode-only locale names no code page
+  EXPECT_EQ(CodePageFromLocale(kUnknown), GetACP());
+}
+
+TEST(CodePages, KeyboardFollowsTheKeyboardLanguage) {
+  uint32_t language = static_cast<uint32_t>(GetKeyboardLayout(0) & 0xFFFF);
+  EXPECT_EQ(KeyboardCodePage(), CodePageFromLocale(language));
+  EXPECT_EQ(KeyUnicode('A'), u'A');
+  char e9 = static_cast<char>(0xE9);
+  std::u16string expected = CodePageToWideString(std::string(1, e9), KeyboardCodePage());
+  ASSERT_EQ(expected.size(), 1u);
+  EXPECT_EQ(KeyUnicode(e9), expected[0]);
+}
+
+TEST(CodePages, ToWideString) {
+  EXPECT_EQ(CodePageToWideString("a\xE9\x80", 1252), u"a\u00E9\u20AC");
+  EXPECT_EQ(CodePageToWideString("\x82\xA0", 932), u"\u3042"); // one double-byte character
+  EXPECT_EQ(CodePageToWideString("\xB0\xA1", 949), u"\uAC00");
+  EXPECT_EQ(CodePageToWideString("\xA4\x40", 950), u"\u4E00");
+  EXPECT_EQ(CodePageToWideString("\xB0\xA1", 936), u"\u554A");
+  EXPECT_EQ(CodePageToWideString("\xC0\xC1", 1251), u"\u0410\u0411");
+  EXPECT_EQ(CodePageToWideString("", 1252), u"");
+  EXPECT_EQ(CodePageToWideString("abc", 12345), u""); // refused: no converted text
+  EXPECT_EQ(CodePageToWideString("\xF0\x9F\x98\x80", 65001), u"\U0001F600");
+}
+
+TEST(WideCompareText, ChosenAtStartUp) {
+  ASSERT_NE(WideCompareText, nullptr);
+  EXPECT_EQ(WideCompareText, &WideCompareTextNT);
+  int32_t saved = Win32Platform;
+  Win32Platform = 1;
+  ChooseWideCompareText();
+  EXPECT_EQ(WideCompareText, &WideCompareTextWin9x);
+  Win32Platform = saved;
+  ChooseWideCompareText();
+  EXPECT_EQ(WideCompareText, &WideCompareTextNT);
+}
+
+struct CompareCase {
+  std::u16string a, b;
+  uint32_t locale;
+  int32_t expected;
+};
+
+const CompareCase kCompareCases[] = {
+    {u"Hello", u"hELLO", kEnglishUS, 0},
+    {u"apple", u"Banana", kEnglishUS, -1},
+    {u"Zebra", u"apple", kEnglishUS, 1},
+    {u"", u"", kEnglishUS, 0},
+    {u"", u"a", kEnglishUS, -1},
+    {u"\u00E9t\u00E9", u"\u00C9T\u00C9", kGerman, 0},
+    {u"\u00E9", u"e", kGerman, 1}, // accents count
+    {u"\u0430\u0431", u"\u0410\u0411", kRussian, 0},
+    {u"\u3042", u"\u3044", kJapanese, -1},
+    {u"x", u"x", kUnknown, -2}, // the platform fails: taken for less than
+};
+
+TEST(WideCompareText, NT) {
+  for (const auto &c : kCompareCases)
+    EXPECT_EQ(WideCompareTextNT(c.a, c.b, c.locale), c.expected)
+        << std::string(c.a.begin(), c.a.end()) << " / " << std::hex << c.locale;
+  EXPECT_EQ(WideCompareText(u"ABC", u"abc", kEnglishUS), 0);
+}
+
+TEST(WideCompareText, Win9x) {
+  for (const auto &c : kCompareCases)
+    EXPECT_EQ(WideCompareTextWin9x(c.a, c.b, c.locale), c.expected)
+        << std::string(c.a.begin(), c.a.end()) << " / " << std::hex << c.locale;
+  // Double-byte text needs more bytes than it has units; the compare still
+  // sees all of it.
+  EXPECT_EQ(WideCompareTextWin9x(u"\u3042\u3044", u"\u3042\u3046", kJapanese), -1);
+  EXPECT_EQ(WideCompareTextWin9x(u"\u3042\u3044", u"\u3042\u3044", kJapanese), 0);
+}
+
+} // namespace
+} // namespace kestrel

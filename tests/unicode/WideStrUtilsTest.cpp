@@ -1,0 +1,88 @@
+// The Wide* family.
+#include <gtest/gtest.h>
+
+#include <kestrel/unicode/WideStrUtils.h>
+
+namespace kestrel {
+namespace {
+
+TEST(WideStrUtils, AdjustLineBreaks) {
+  EXPECT_EQ(WideAdjustLineBreaks(u"a\r\nb\rc\n"), u"a\u2028b\u2028c\u2028");
+  EXPECT_EQ(WideAdjustLineBreaks(u""), u"");
+  EXPECT_EQ(WideAdjustLineBreaks(u"\n\r"), u"\u2028\u2028"); // LF CR is two breaks
+  EXPECT_EQ(WideAdjustLineBreaks(u"\r\r\n"), u"\u2028\u2028");
+  EXPECT_EQ(WideAdjustLineBreaks(u"plain"), u"plain");
+}
+
+TEST(WideStrUtils, QuotedStr) {
+  EXPECT_EQ(WideQuotedStr(u"a'b", u'\''), u"'a''b'");
+  EXPECT_EQ(WideQuotedStr(u"", u'"'), u"\"\"");
+  EXPECT_EQ(WideQuotedStr(u"''", u'\''), u"''''''");
+  EXPECT_EQ(WideQuotedStr(u"x", u'"'), u"\"x\"");
+}
+
+struct ExtractCase {
+  std::u16string source;
+  std::u16string expected;
+  size_t srcAfter; // offset of Src afterwards
+};
+
+TEST(WideStrUtils, ExtractQuotedStr) {
+  const ExtractCase cases[] = {
+      {u"'a''b'c", u"a'b", 6}, // Src at c
+      {u"''", u"", 2},         // Src behind the second quote
+      {u"abc", u"", 0},        // not quoted: Src unchanged
+      {u"'abc", u"ab", 4},     // unterminated: last unit dropped, Src at the end
+      {u"'a'", u"a", 3},       {u"'a b',c", u"a b", 5},
+      {u"''''", u"'", 4},      {u"'a''", u"a", 4}, // unterminated after a doubled quote
+      {u"'", u"", 1},          {u"", u"", 0},
+  };
+  for (const auto &c : cases) {
+    const char16_t *src = c.source.c_str();
+    std::u16string got = WideExtractQuotedStr(src, u'\'');
+    EXPECT_EQ(got, c.expected) << std::string(c.source.begin(), c.source.end());
+    EXPECT_EQ(static_cast<size_t>(src - c.source.c_str()), c.srcAfter)
+        << std::string(c.source.begin(), c.source.end());
+  }
+}
+
+TEST(WideStrUtils, ExtractQuotedStrNullAndMutableForms) {
+  const char16_t *none = nullptr;
+  EXPECT_EQ(WideExtractQuotedStr(none, u'"'), u"");
+  EXPECT_EQ(none, nullptr);
+  std::u16string text = u"\"x\",\"y\"";
+  char16_t *p = text.data();
+  EXPECT_EQ(WideExtractQuotedStr(p, u'"'), u"x");
+  EXPECT_EQ(*p, u',');
+  ++p;
+  EXPECT_EQ(WideExtractQuotedStr(p, u'"'), u"y");
+  EXPECT_EQ(*p, 0);
+}
+
+TEST(WideStrUtils, QuoteRoundTrip) {
+  for (std::u16string s : {u"", u"plain", u"it's", u"''", u"a'b'c'"}) {
+    std::u16string quoted = WideQuotedStr(s, u'\'') + u"tail";
+    const char16_t *p = quoted.c_str();
+    EXPECT_EQ(WideExtractQuotedStr(p, u'\''), s);
+    EXPECT_EQ(std::u16string(p), u"tail");
+  }
+}
+
+TEST(WideStrUtils, StringOfChar) {
+  EXPECT_EQ(WideStringOfChar(u'x', 3), u"xxx");
+  EXPECT_EQ(WideStringOfChar(u'x', 0), u"");
+}
+
+TEST(WideStrUtils, CharPos) {
+  EXPECT_EQ(WideCharPos(u"abab", u'a', 1), 1);
+  EXPECT_EQ(WideCharPos(u"aab", u'b', 1), 3);
+  EXPECT_EQ(WideCharPos(u"aaba", u'a', 3), 4); // matches at 1 and 2 skipped
+  EXPECT_EQ(WideCharPos(u"abc", u'a', 0), 0);
+  EXPECT_EQ(WideCharPos(u"abc", u'c', 3), 3);
+  EXPECT_EQ(WideCharPos(u"abc", u'c', 4), 0);
+  EXPECT_EQ(WideCharPos(u"", u'c', 1), 0);
+  EXPECT_EQ(WideCharPos(u"abc", u'z', 1), 0);
+}
+
+} // namespace
+} // namespace kestrel
