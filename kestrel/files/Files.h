@@ -1,4 +1,3 @@
 // The files subsystem.
 #pragma once
 
-#include <kestrel/files/PeruseDir.h>

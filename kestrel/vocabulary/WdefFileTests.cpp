@@ -31,12 +31,10 @@ std::unique_ptr<TFileStream> OpenShared(const std::string &name) {
 // read fails.
 bool Read32BitHead(TMKStored_File_rec &rec, TCheckSignature &head) {
   StartAnswer(rec);
-  if (!FileExists(rec.stored_file_name))
-    return false;
+  if (!FileExists(rec.stored_file_name)) return false;
   auto stream = OpenShared(rec.stored_file_name);
   try {
-    if (stream->GetSize() < kMin32BitFileSize)
-      return false;
+    if (stream->GetSize() < kMin32BitFileSize) return false;
     stream->ReadBuffer(&head, sizeof head);
     return true;
   } catch (const Exception &) {
@@ -53,8 +51,7 @@ bool OlderSignature(const uint8_t (&head)[kOlderHeadSize], std::string &signatur
   while (end < kOlderHeadSize && head[end] != 0)
     ++end;
   const size_t count = head[0];
-  if (count > end - start)
-    return false;
+  if (count > end - start) return false;
   signature.assign(reinterpret_cast<const char *>(head) + start, count);
   return true;
 }
@@ -63,17 +60,14 @@ bool OlderSignature(const uint8_t (&head)[kOlderHeadSize], std::string &signatur
 
 bool IsAnOldMarlowickFile(TMKStored_File_rec &rec) {
   StartAnswer(rec);
-  if (!FileExists(rec.stored_file_name))
-    return false;
+  if (!FileExists(rec.stored_file_name)) return false;
   auto stream = OpenShared(rec.stored_file_name);
   try {
-    if (stream->GetSize() < kMinOlderFileSize)
-      return false;
+    if (stream->GetSize() < kMinOlderFileSize) return false;
     uint8_t head[kOlderHeadSize];
     stream->ReadBuffer(head, kOlderHeadSize);
     std::string signature;
-    if (!OlderSignature(head, signature))
-      return false;
+    if (!OlderSignature(head, signature)) return false;
     // Rows past the table's texts are empty: a head of length 0 matches the
     // first of them, as plain string equality has it.
     for (size_t i = 0; i < kListTypeCount; ++i)
@@ -89,8 +83,7 @@ bool IsAnOldMarlowickFile(TMKStored_File_rec &rec) {
 
 bool WasAMarlowick32BitFile(TMKStored_File_rec &rec) {
   TCheckSignature head{};
-  if (!Read32BitHead(rec, head))
-    return false;
+  if (!Read32BitHead(rec, head)) return false;
   const int32_t number = head.signature_number;
   const int32_t current = CurrentSignature[current_tool_var];
   if (number >= 35 && number < current) {
@@ -108,10 +101,8 @@ bool WasAMarlowick32BitFile(TMKStored_File_rec &rec) {
 
 bool IsAMarlowick32BitFile(TMKStored_File_rec &rec) {
   TCheckSignature head{};
-  if (!Read32BitHead(rec, head))
-    return false;
-  if (head.signature_number != CurrentSignature[current_tool_var])
-    return false;
+  if (!Read32BitHead(rec, head)) return false;
+  if (head.signature_number != CurrentSignature[current_tool_var]) return false;
   rec.stored_list_type = DiskFileType(head);
   return rec.stored_list_type < list_type::spare10;
 }
@@ -123,8 +114,9 @@ bool IsABatchZipFileForListType(TMKStored_File_rec &rec) {
   zip->ReadZip();
   std::string comment = zip->GetZipComment();
   const int32_t count = zip->GetCount();
-  const bool result = count > 0 && comment.size() > kBatchZipCommentPrefix.size() &&
-                      comment.compare(0, kBatchZipCommentPrefix.size(), kBatchZipCommentPrefix) == 0;
+  const bool result =
+      count > 0 && comment.size() > kBatchZipCommentPrefix.size() &&
+      comment.compare(0, kBatchZipCommentPrefix.size(), kBatchZipCommentPrefix) == 0;
   if (result) {
     comment.erase(0, kBatchZipCommentPrefix.size());
     for (size_t i = 0; i < kListTypeCount; ++i)
