@@ -90,19 +90,17 @@ private:
 void DeriveBounds(TTypeTable &t) {
   const auto &offsets = t.PropertyOffsets;
   const size_t total = t.PropertyRanges.size();
-  t.PairStart.assign(t.Count, 0);
-  t.PairCount.assign(t.Count, 0);
-  t.LastCode.assign(t.Count, 0);
+  t.Spans.assign(t.Count, {});
   for (size_t n = 0; n < t.Count; ++n) {
     if (offsets[n] == 0xFFFF) continue;
     size_t k = n + 1;
     while (k < t.Count && offsets[k] == 0xFFFF)
       ++k;
     size_t first = offsets[n], end = std::min<size_t>(offsets[k], total);
-    if (end <= first) continue;
-    t.PairStart[n] = uint32_t(first);
-    t.PairCount[n] = uint32_t((end - first) / 2);
-    if (t.PairCount[n] != 0) t.LastCode[n] = t.PropertyRanges[first + 2 * t.PairCount[n] - 1];
+    uint32_t pairs = uint32_t((end > first ? end - first : 0) / 2);
+    if (pairs != 0)
+      t.Spans[n] = {uint32_t(first), pairs, t.PropertyRanges[first],
+                    t.PropertyRanges[first + 2 * pairs - 1]};
   }
 }
 

@@ -42,10 +42,14 @@ struct TTypeTable {
   uint16_t Count = 0;                    // properties
   std::vector<uint16_t> PropertyOffsets; // Count + 1 entries; 0xFFFF = no ranges
   std::vector<uint32_t> PropertyRanges;  // first, last, first, last ...
-  // Derived at load from PropertyOffsets (the same walk as the lookup's),
-  // per property: index in PropertyRanges of its first pair, number of
-  // complete pairs, and its highest code for a quick reject.
-  std::vector<uint32_t> PairStart, PairCount, LastCode;
+  // Derived at load from PropertyOffsets (the same walk as the lookup's):
+  // per property, where its pairs start in PropertyRanges, how many complete
+  // pairs it has, and its lowest and highest code (First above Last when it
+  // has none) so that most codes outside it are refused at once.
+  struct TSpan {
+    uint32_t Start = 0, Pairs = 0, First = UINT32_MAX, Last = 0;
+  };
+  std::vector<TSpan> Spans;
 };
 
 struct TCaseTable {
@@ -118,19 +122,21 @@ inline const TNumberTable &NumberTable() {
 }
 
 // Whether Code lies in one of the ranges of property n of a loaded table.
-// Sorted, disjoint pairs: the last pair whose first code is not above Code is
-// the only one that can hold it; it is found by a branch-free bisection.
+// The pairs are sorted and disjoint, so the last pair whose first code is not
+// above Code is the only one that can hold it. The bisection has no branch
+// that depends on Code (its steps depend only on the number of pairs), so
+// it is never mispredicted.
 inline bool LookupPropertyIn(const TTypeTable &t, UCS4 code, unsigned n) {
   if (n >= t.Count) return false;
-  uint32_t count = t.PairCount[n];
-  const uint32_t *base = t.PropertyRanges.data() + t.PairStart[n];
-  if (count == 0 || code < base[0] || code > t.LastCode[n]) return false;
-  while (count > 1) {
+  const TTypeTable::TSpan span = t.Spans[n];
+  if (code < span.First || code > span.Last) return false;
+  const uint32_t *base = t.PropertyRanges.data() + span.Start;
+  for (uint32_t count = span.Pairs; count > 1;) {
     uint32_t half = count >> 1;
     base = base[2 * half] <= code ? base + 2 * half : base;
     count -= half;
   }
-  return code <= base[1];
+  return (base[0] <= code) & (code <= base[1]);
 }
 
 // Whether Code lies in property n (0 to 48 of the table); false for an index

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/unicode/CaseMapping.h>
 
 namespace kestrel {
 namespace {
@@ -163,6 +164,24 @@ char16_t *StrPosW(const char16_t *Str, const char16_t *SubStr) {
     if (Str[i] == SubStr[0] && std::memcmp(Str + i, SubStr, m * sizeof(char16_t)) == 0)
       return Mutable(Str + i);
   return nullptr;
+}
+
+char16_t *StrUpperW(char16_t *Str) {
+  for (char16_t *p = Str; *p; ++p)
+    *p = WideUpCase(*p);
+  return Str;
+}
+
+char16_t *StrLowerW(char16_t *Str) {
+  for (char16_t *p = Str; *p; ++p)
+    *p = WideLoCase(*p);
+  return Str;
+}
+
+char16_t *StrTitleW(char16_t *Str) {
+  for (char16_t *p = Str; *p; ++p)
+    *p = WideTitleCaseChar(*p);
+  return Str;
 }
 
 char16_t *StrAllocW(uint32_t Size) {

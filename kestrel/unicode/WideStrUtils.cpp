@@ -1,10 +1,31 @@
 // The Wide* family: small operations on wide strings.
 #include <kestrel/unicode/WideStrUtils.h>
 
+#include <kestrel/unicode/CharDatabase.h>
+
 namespace kestrel {
 namespace {
 
 constexpr char16_t kCR = 0x000D, kLF = 0x000A, kLineSeparator = 0x2028;
+
+bool IsTrimUnit(char16_t u) {
+  return UnicodeIsWhiteSpace(u) || UnicodeIsControl(u);
+}
+
+size_t TrimmedStart(std::u16string_view s) {
+  size_t i = 0;
+  while (i < s.size() && IsTrimUnit(s[i]))
+    ++i;
+  return i;
+}
+
+// One past the last unit that stays, never below start.
+size_t TrimmedEnd(std::u16string_view s, size_t start) {
+  size_t j = s.size();
+  while (j > start && IsTrimUnit(s[j - 1]))
+    --j;
+  return j;
+}
 
 } // namespace
 
@@ -80,6 +101,20 @@ std::u16string WideExtractQuotedStr(char16_t *&Src, char16_t Quote) {
 
 std::u16string WideStringOfChar(char16_t C, uint32_t Count) {
   return std::u16string(Count, C);
+}
+
+std::u16string WideTrim(std::u16string_view S) {
+  size_t start = TrimmedStart(S);
+  if (start == S.size()) return {};
+  return std::u16string(S.substr(start, TrimmedEnd(S, start) - start));
+}
+
+std::u16string WideTrimLeft(std::u16string_view S) {
+  return std::u16string(S.substr(TrimmedStart(S)));
+}
+
+std::u16string WideTrimRight(std::u16string_view S) {
+  return std::u16string(S.substr(0, TrimmedEnd(S, 0)));
 }
 
 int32_t WideCharPos(std::u16string_view S, char16_t Ch, int32_t Index) {

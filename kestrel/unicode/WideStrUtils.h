@@ -54,6 +54,10 @@ char16_t *StrRScanW(const char16_t *Str, char16_t Chr);
 // The first occurrence of SubStr; null if either is null, SubStr is empty or
 // longer than Str.
 char16_t *StrPosW(const char16_t *Str, const char16_t *SubStr);
+// Case mapping of every unit in place (UnicodeToUpper, ...); give Str.
+char16_t *StrUpperW(char16_t *Str);
+char16_t *StrLowerW(char16_t *Str);
+char16_t *StrTitleW(char16_t *Str);
 
 // Buffers with a 4-byte prefix holding the block's size in bytes (2 x Size +
 // 4); the units are zeroed. Raises EOutOfMemory if the block cannot be had.
@@ -80,6 +84,11 @@ std::u16string WideQuotedStr(std::u16string_view S, char16_t Quote);
 std::u16string WideExtractQuotedStr(const char16_t *&Src, char16_t Quote);
 std::u16string WideExtractQuotedStr(char16_t *&Src, char16_t Quote);
 std::u16string WideStringOfChar(char16_t C, uint32_t Count);
+// S without leading and/or trailing trim units: those that are white space
+// or control characters (UnicodeIsWhiteSpace, UnicodeIsControl).
+std::u16string WideTrim(std::u16string_view S);
+std::u16string WideTrimLeft(std::u16string_view S);
+std::u16string WideTrimRight(std::u16string_view S);
 // 1-based position of the first Ch at or after position Index, or 0.
 int32_t WideCharPos(std::u16string_view S, char16_t Ch, int32_t Index);
 

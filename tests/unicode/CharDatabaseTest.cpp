@@ -360,9 +360,9 @@ TEST(CharDatabaseTest, EveryRangeEdgeIsFound) {
   // (ranges never touch, so the neighbours are outside).
   const TTypeTable &t = TypeTable();
   for (unsigned n = 0; n < t.Count; ++n)
-    for (uint32_t i = 0; i < t.PairCount[n]; ++i) {
-      UCS4 first = t.PropertyRanges[t.PairStart[n] + 2 * i];
-      UCS4 last = t.PropertyRanges[t.PairStart[n] + 2 * i + 1];
+    for (uint32_t i = 0; i < t.Spans[n].Pairs; ++i) {
+      UCS4 first = t.PropertyRanges[t.Spans[n].Start + 2 * i];
+      UCS4 last = t.PropertyRanges[t.Spans[n].Start + 2 * i + 1];
       ASSERT_TRUE(UnicodeLookupProperty(first, int(n))) << n << " " << first;
       ASSERT_TRUE(UnicodeLookupProperty(last, int(n))) << n << " " << last;
       if (first > 0) {
@@ -387,10 +387,10 @@ TEST(CharDatabaseTest, PropertySizesAreThoseOfTheTable) {
   EXPECT_EQ(t.PropertyOffsets[49], 5486);
   for (unsigned n = 0; n < 49; ++n) {
     uint64_t total = 0;
-    for (uint32_t i = 0; i < t.PairCount[n]; ++i)
-      total += t.PropertyRanges[t.PairStart[n] + 2 * i + 1] -
-               t.PropertyRanges[t.PairStart[n] + 2 * i] + 1;
-    EXPECT_EQ(t.PairCount[n], ranges[n]) << UnicodePropertyLabels[n];
+    for (uint32_t i = 0; i < t.Spans[n].Pairs; ++i)
+      total += t.PropertyRanges[t.Spans[n].Start + 2 * i + 1] -
+               t.PropertyRanges[t.Spans[n].Start + 2 * i] + 1;
+    EXPECT_EQ(t.Spans[n].Pairs, ranges[n]) << UnicodePropertyLabels[n];
     EXPECT_EQ(total, points[n]) << UnicodePropertyLabels[n];
   }
 }

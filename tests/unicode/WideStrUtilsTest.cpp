@@ -86,3 +86,24 @@ TEST(WideStrUtils, CharPos) {
 
 } // namespace
 } // namespace kestrel
+
+namespace kestrel {
+namespace {
+
+TEST(WideStrUtils, TrimUnitsAreWhiteSpaceAndControls) {
+  const std::u16string edges = u"\u00A0\t\n\u2028\uFEFF ";
+  const std::u16string middle = u"a \u00A0b";
+  EXPECT_EQ(WideTrim(edges + middle + edges), middle);
+  EXPECT_EQ(WideTrimLeft(edges + middle + edges), middle + edges);
+  EXPECT_EQ(WideTrimRight(edges + middle + edges), edges + middle);
+  EXPECT_EQ(WideTrim(u"\u2029x\u2029"), u"\u2029x\u2029"); // neither white space nor control
+  EXPECT_EQ(WideTrim(edges), u"");
+  EXPECT_EQ(WideTrimLeft(edges), u"");
+  EXPECT_EQ(WideTrimRight(edges), u"");
+  EXPECT_EQ(WideTrim(u""), u"");
+  EXPECT_EQ(WideTrim(u"x"), u"x");
+  EXPECT_EQ(WideTrim(u"\u0001\u001Fx\u007F\u0085"), u"x");
+}
+
+} // namespace
+} // namespace kestrel

@@ -1,0 +1,142 @@
+// Case mapping: the routing by category, the reachable rows, the wide forms,
+// and every code of the 16-bit range against the published mappings.
+#include <gtest/gtest.h>
+
+#include <kestrel/unicode/CaseMapping.h>
+#include <kestrel/unicode/CharDatabase.h>
+#include <kestrel/unicode/WideStrUtils.h>
+
+#include "UnicodeDataFile.h"
+
+namespace kestrel {
+namespace {
+
+struct CaseRow {
+  UCS4 code, upper, lower, title;
+};
+
+// Codes with the three results expected of them.
+const CaseRow kCaseRows[] = {
+    {0x0061, 0x0041, 0x0061, 0x0041},
+    {0x0041, 0x0041, 0x0061, 0x0041},
+    {0x01C4, 0x01C4, 0x01C6, 0x01C5},
+    {0x01C5, 0x01C4, 0x01C6, 0x01C5},
+    {0x01C6, 0x01C4, 0x01C6, 0x01C5},
+    {0x0131, 0x0049, 0x0131, 0x0049},
+    {0x00B5, 0x039C, 0x00B5, 0x039C},
+    {0x0130, 0x0130, 0x0069, 0x0130},
+    {0x00DF, 0x00DF, 0x00DF, 0x00DF}, // no simple mapping
+    {0x0037, 0x0037, 0x0037, 0x0037},
+    {0x0020, 0x0020, 0x0020, 0x0020},
+    // Neither Lu nor Ll: upper and lower leave them, title maps through the
+    // lower rows.
+    {0x2160, 0x2160, 0x2160, 0x2160},
+    {0x2170, 0x2170, 0x2170, 0x2160},
+    {0x24B6, 0x24B6, 0x24B6, 0x24B6},
+    {0x24D0, 0x24D0, 0x24D0, 0x24B6},
+    {0x0345, 0x0345, 0x0345, 0x0399},
+    {0x1F88, 0x1F88, 0x1F88, 0x1F88},
+    {0x1F80, 0x1F88, 0x1F80, 0x1F88},
+    // Outside the 16-bit range.
+    {0x10400, 0x10400, 0x10400, 0x10400},
+    {0x10FFFF, 0x10FFFF, 0x10FFFF, 0x10FFFF},
+    {0x110000, 0x110000, 0x110000, 0x110000},
+    {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
+};
+
+TEST(CaseMapping, RoutingByCategory) {
+  for (const auto &r : kCaseRows) {
+    EXPECT_EQ(UnicodeToUpper(r.code), r.upper) << std::hex << r.code;
+    EXPECT_EQ(UnicodeToLower(r.code), r.lower) << std::hex << r.code;
+    EXPECT_EQ(UnicodeToTitle(r.code), r.title) << std::hex << r.code;
+  }
+}
+
+TEST(CaseMapping, WideCharactersAreCutTo16Bits) {
+  EXPECT_EQ(WideUpCase(u'a'), u'A');
+  EXPECT_EQ(WideLoCase(u'\u0130'), u'i');
+  EXPECT_EQ(WideTitleCaseChar(u'\u01C6'), u'\u01C5');
+  EXPECT_EQ(WideUpCase(0xD800), 0xD800);
+}
+
+TEST(CaseMapping, Sections) {
+  // The section lookup finds a row only within its bounds.
+  EXPECT_EQ(UnicodeLookupCase(0x0041, 0, 691 * 3, 1), 0x0061u); // upper section
+  EXPECT_EQ(UnicodeLookupCase(0x0041, 692 * 3, 692 * 3 + 701 * 3, 1), 0x0041u);
+  EXPECT_EQ(UnicodeLookupCase(0x01C5, 1394 * 3, 1397 * 3, 2), 0x01C6u); // title section
+  EXPECT_EQ(UnicodeLookupCase(0x01C5, 0, -3, 1), 0x01C5u);              // empty section
+  EXPECT_EQ(UnicodeLookupCase(0x0041, 0, 999999, 1), 0x0041u);          // beyond the table
+}
+
+TEST(CaseMapping, WideStrings) {
+  EXPECT_EQ(WideUpperCase(u""), u"");
+  EXPECT_EQ(WideUpperCase(u"stra\u00DFe \u00E9t\u00E9"), u"STRA\u00DFE \u00C9T\u00C9");
+  EXPECT_EQ(WideLowerCase(u"\u0130STANBUL"), u"istanbul");
+  EXPECT_EQ(WideTitleCaseString(u"two words"), u"TWO WORDS"); // no idea of words
+  EXPECT_EQ(WideTitleCaseString(u"\u01C4\u01C6"), u"\u01C5\u01C5");
+  std::u16string pair = u"a\U00010400b"; // a surrogate pair stays as it is
+  EXPECT_EQ(WideUpperCase(pair), u"A\U00010400B");
+  EXPECT_EQ(WideLowerCase(pair), pair);
+}
+
+TEST(CaseMapping, TerminatedStringsInPlace) {
+  char16_t s[] = u"Hello \u00E9\u01C4";
+  EXPECT_EQ(StrUpperW(s), s);
+  EXPECT_EQ(std::u16string(s), u"HELLO \u00C9\u01C4");
+  StrLowerW(s);
+  EXPECT_EQ(std::u16string(s), u"hello \u00E9\u01C6");
+  StrTitleW(s);
+  EXPECT_EQ(std::u16string(s), u"HELLO \u00C9\u01C5");
+  char16_t empty[] = u"";
+  EXPECT_EQ(StrUpperW(empty), empty);
+}
+
+// What each conversion should give, worked out from the published mappings
+// and categories by the rules of the table's three sections.
+struct Expected {
+  UCS4 upper, lower, title;
+};
+
+Expected FromPublishedData(UCS4 code, const test::UnicodeDataRow *row) {
+  if (!row) return {code, code, code};
+  bool hasUpper = row->upper != 0, hasLower = row->lower != 0;
+  bool inUpperSection = hasLower && !hasUpper, inLowerSection = hasUpper && !hasLower,
+       inTitleSection = hasUpper && hasLower;
+  UCS4 titleOrSelf = row->title ? row->title : code;
+  UCS4 titleOrUpper = row->title ? row->title : row->upper;
+  const std::string &cat = row->category;
+  Expected e{code, code, code};
+  if (cat == "Ll")
+    e.upper = inLowerSection ? row->upper : code;
+  else if (cat != "Lu")
+    e.upper = inTitleSection ? row->upper : code;
+  if (cat == "Lu")
+    e.lower = inUpperSection ? row->lower : code;
+  else if (cat != "Ll")
+    e.lower = inTitleSection ? row->lower : code;
+  if (cat == "Lu")
+    e.title = inUpperSection ? titleOrSelf : code;
+  else if (cat != "Lt")
+    e.title = inLowerSection ? titleOrUpper : code;
+  return e;
+}
+
+TEST(CaseMapping, EveryCodeAgainstThePublishedData) {
+  const auto &rows = test::UnicodeDataRows();
+  if (rows.empty()) GTEST_SKIP() << "the shared Unicode data is not beside the repository";
+  int mismatches = 0;
+  for (UCS4 code = 0; code <= 0xFFFF; ++code) {
+    auto it = rows.find(code);
+    Expected e = FromPublishedData(code, it == rows.end() ? nullptr : &it->second);
+    UCS4 upper = UnicodeToUpper(code), lower = UnicodeToLower(code), title = UnicodeToTitle(code);
+    if (upper != e.upper || lower != e.lower || title != e.title) {
+      if (++mismatches <= 10)
+        ADD_FAILURE() << std::hex << "U+" << code << ": " << upper << "/" << lower << "/" << title
+                      << " expected " << e.upper << "/" << e.lower << "/" << e.title;
+    }
+  }
+  EXPECT_EQ(mismatches, 0);
+}
+
+} // namespace
+} // namespace kestrel
