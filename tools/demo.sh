@@ -4,8 +4,9 @@ set -e
 KESTREL=${1:-build/tools/kestrel}
 case $KESTREL in /*) ;; *) KESTREL=$(pwd)/$KESTREL ;; esac
 cd "$(dirname "$0")/.."
-echo "== kestrel search: 'kestrel' in the sample corpus (UTF-8 with and without mark, UTF-16 LE and BE)"
-"$KESTREL" search --width 28 kestrel corpus/*.txt
+echo "== kestrel search: 'kestrel' in the whole sample corpus (UTF-8 with and without mark,"
+echo "   UTF-16 LE and BE, a sub-folder, and the members of a ZIP archive)"
+"$KESTREL" search --width 28 --recursive kestrel corpus
 echo
 echo "== kestrel search --ignore-marks: 'crecerelle' also finds the spelling with a combining accent"
 "$KESTREL" search --ignore-marks --width 20 crecerelle corpus/*.txt

@@ -23,8 +23,7 @@ inline void MakeZip(const std::string &path, const std::vector<ZipEntry> &entrie
                     const std::string &comment = "") {
   int error = 0;
   zip_t *zip = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-  if (zip == nullptr)
-    throw std::runtime_error("zip_open failed for " + path);
+  if (zip == nullptr) throw std::runtime_error("zip_open failed for " + path);
   for (const ZipEntry &e : entries) {
     zip_int64_t index;
     if (!e.name.empty() && e.name.back() == '/') {
@@ -35,15 +34,13 @@ inline void MakeZip(const std::string &path, const std::vector<ZipEntry> &entrie
       std::memcpy(copy, e.content.data(), e.content.size());
       zip_source_t *src = zip_source_buffer(zip, copy, e.content.size(), 1);
       index = zip_file_add(zip, e.name.c_str(), src, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
-      if (index < 0)
-        zip_source_free(src);
+      if (index < 0) zip_source_free(src);
     }
     if (index < 0) {
       zip_discard(zip);
       throw std::runtime_error("cannot add " + e.name + " to " + path);
     }
-    if (e.mtime != 0)
-      zip_file_set_mtime(zip, static_cast<zip_uint64_t>(index), e.mtime, 0);
+    if (e.mtime != 0) zip_file_set_mtime(zip, static_cast<zip_uint64_t>(index), e.mtime, 0);
   }
   if (!comment.empty())
     zip_set_archive_comment(zip, comment.data(), static_cast<zip_uint16_t>(comment.size()));
