@@ -1,7 +1,14 @@
 #!/bin/sh
-# The main job on the bundled sample: character information for mixed scripts.
+# The main job on the bundled sample: a concordance over the sample corpus.
 set -e
 KESTREL=${1:-build/tools/kestrel}
-here=$(dirname "$0")/..
-echo "== kestrel char: a sample of mixed scripts"
-"$KESTREL" char "Aé½٣" "Ωж" "中ア한" "U+10000"
+case $KESTREL in /*) ;; *) KESTREL=$(pwd)/$KESTREL ;; esac
+cd "$(dirname "$0")/.."
+echo "== kestrel search: 'kestrel' in the sample corpus (UTF-8 with and without mark, UTF-16 LE and BE)"
+"$KESTREL" search --width 28 kestrel corpus/*.txt
+echo
+echo "== kestrel search --ignore-marks: 'crecerelle' also finds the spelling with a combining accent"
+"$KESTREL" search --ignore-marks --width 20 crecerelle corpus/*.txt
+echo
+echo "== kestrel search --whole-word --case-sensitive --json: 'KESTREL'"
+"$KESTREL" search --whole-word --case-sensitive --json KESTREL corpus/*.txt

@@ -1,2 +1,4 @@
 // The files subsystem.
 #pragma once
+
+#include <kestrel/files/myFileStreamU.h>

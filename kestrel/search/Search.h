@@ -2,3 +2,7 @@
 #pragma once
 
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/search/SortableLists.h>
+#include <kestrel/search/URESearch.h>
+#include <kestrel/search/UTBMSearch.h>
+#include <kestrel/search/myMasks.h>

@@ -1,0 +1,208 @@
+// TURESearch against PCRE2 (16-bit, JIT) and ICU's uregex over one generated
+// UTF-16 text of 32 MB: a literal word, a class run, five alternatives, a
+// property class and a case-folded word; and the compile of a bounded group.
+// Our matcher runs one pass without backtracking, so the peers may find other
+// (leftmost-longest) matches: the counts are printed beside the times.
+#include <benchmark/benchmark.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include <unicode/uregex.h>
+
+#include <kestrel/search/URESearch.h>
+
+#ifdef KESTREL_HAVE_PCRE2
+#define PCRE2_CODE_UNIT_WIDTH 16
+#include <pcre2.h>
+#endif
+
+namespace {
+
+using kestrel::TSearchFlag;
+using kestrel::TSearchFlags;
+
+// Words of a made-up language with a Zipf distribution, some capitalised,
+// some accented or Cyrillic, in sentences and lines.
+const std::u16string &BenchText() {
+  static const std::u16string text = [] {
+    std::mt19937 rng(7);
+    const std::u16string common[] = {u"the",       u"of",      u"and",       u"to",
+                                     u"in",        u"house",   u"water",     u"little",
+                                     u"people",    u"number",  u"river",     u"going",
+                                     u"singing",   u"long",    u"caf\u00e9", u"\u0434\u043e\u043c",
+                                     u"\u00fcber", u"language"};
+    std::vector<std::u16string> vocabulary(common, common + std::size(common));
+    const char16_t *letters = u"etaoinshrdlcumwfgypbvkjxqz";
+    while (vocabulary.size() < 5000) {
+      std::u16string w;
+      for (int n = 2 + int(rng() % 9); n > 0; --n)
+        w += letters[std::min<int>(25, int(std::exponential_distribution<>(0.25)(rng)))];
+      if (rng() % 7 == 0) w += u"ing";
+      vocabulary.push_back(w);
+    }
+    std::vector<double> weights;
+    for (size_t i = 0; i < vocabulary.size(); ++i)
+      weights.push_back(1.0 / double(i + 1));
+    std::discrete_distribution<size_t> pick(weights.begin(), weights.end());
+    std::u16string out;
+    out.reserve(16u << 20);
+    bool sentenceStart = true;
+    while (out.size() < (16u << 20)) {
+      std::u16string w = vocabulary[pick(rng)];
+      if (sentenceStart || rng() % 20 == 0)
+        w[0] = char16_t(w[0] >= u'a' && w[0] <= u'z' ? w[0] - 32 : w[0]);
+      out += w;
+      sentenceStart = rng() % 12 == 0;
+      out += sentenceStart ? (rng() % 4 == 0 ? u".\n" : u". ") : (rng() % 15 == 0 ? u", " : u" ");
+    }
+    return out;
+  }();
+  return text;
+}
+
+struct Case {
+  const char *name;
+  std::u16string ours, peer;
+  bool fold;
+};
+
+const Case Cases[] = {
+    {"Regex.Literal", u"language", u"language", false},
+    {"Regex.ClassRun", u"[a-z]+ing", u"[a-z]+ing", false},
+    {"Regex.Alternation", u"house|water|little|people|number", u"house|water|little|people|number",
+     false},
+    {"Regex.Property", u"\\p10[a-z]+", u"\\p{Lu}[a-z]+", false},
+    {"Regex.CaseFolded", u"river", u"river", true},
+};
+
+void Ours(benchmark::State &state, const Case &c) {
+  const std::u16string &text = BenchText();
+  kestrel::TURESearch engine;
+  engine.FindPrepare(c.ours, c.fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
+  uint32_t count = 0;
+  for (auto _ : state) {
+    engine.FindAll(text);
+    count = engine.GetCount();
+    benchmark::DoNotOptimize(count);
+  }
+  state.counters["matches"] = count;
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(text.size() * 2));
+}
+
+#ifdef KESTREL_HAVE_PCRE2
+void Pcre2(benchmark::State &state, const Case &c) {
+  const std::u16string &text = BenchText();
+  int error = 0;
+  PCRE2_SIZE offset = 0;
+  uint32_t options = PCRE2_UTF | PCRE2_NO_UTF_CHECK | (c.fold ? PCRE2_CASELESS : 0);
+  pcre2_code *re = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(c.peer.c_str()), c.peer.size(),
+                                 options, &error, &offset, nullptr);
+  if (re == nullptr) {
+    state.SkipWithError("pcre2_compile failed");
+    return;
+  }
+  pcre2_jit_compile(re, PCRE2_JIT_COMPLETE);
+  pcre2_match_data *md = pcre2_match_data_create_from_pattern(re, nullptr);
+  const auto *subject = reinterpret_cast<PCRE2_SPTR>(text.data());
+  uint32_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    PCRE2_SIZE at = 0;
+    while (at <= text.size() &&
+           pcre2_match(re, subject, text.size(), at, PCRE2_NO_UTF_CHECK, md, nullptr) >= 0) {
+      PCRE2_SIZE *ov = pcre2_get_ovector_pointer(md);
+      ++count;
+      at = ov[1] > ov[0] ? ov[1] : ov[1] + 1;
+    }
+    benchmark::DoNotOptimize(count);
+  }
+  state.counters["matches"] = count;
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(text.size() * 2));
+  pcre2_match_data_free(md);
+  pcre2_code_free(re);
+}
+#endif
+
+void Icu(benchmark::State &state, const Case &c) {
+  const std::u16string &text = BenchText();
+  UErrorCode status = U_ZERO_ERROR;
+  URegularExpression *re = uregex_open(c.peer.c_str(), int32_t(c.peer.size()),
+                                       c.fold ? UREGEX_CASE_INSENSITIVE : 0, nullptr, &status);
+  uregex_setText(re, text.c_str(), int32_t(text.size()), &status);
+  if (U_FAILURE(status)) {
+    state.SkipWithError("uregex_open failed");
+    uregex_close(re);
+    return;
+  }
+  uint32_t count = 0;
+  for (auto _ : state) {
+    count = 0;
+    uregex_reset(re, 0, &status);
+    while (uregex_findNext(re, &status))
+      ++count;
+    benchmark::DoNotOptimize(count);
+  }
+  state.counters["matches"] = count;
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(text.size() * 2));
+  uregex_close(re);
+}
+
+// The compile of a bounded group, which the engine spells out copy by copy.
+const std::u16string BoundPattern = u"(ab|cd){1,40}";
+
+void CompileOurs(benchmark::State &state) {
+  for (auto _ : state) {
+    kestrel::TURESearch engine;
+    engine.FindPrepare(BoundPattern, TSearchFlags{TSearchFlag::sfCaseSensitive});
+    benchmark::DoNotOptimize(engine.GetDFA().StateList.StatesUsed);
+  }
+}
+
+#ifdef KESTREL_HAVE_PCRE2
+void CompilePcre2(benchmark::State &state) {
+  for (auto _ : state) {
+    int error = 0;
+    PCRE2_SIZE offset = 0;
+    pcre2_code *re = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(BoundPattern.c_str()),
+                                   BoundPattern.size(), PCRE2_UTF, &error, &offset, nullptr);
+    pcre2_jit_compile(re, PCRE2_JIT_COMPLETE);
+    benchmark::DoNotOptimize(re);
+    pcre2_code_free(re);
+  }
+}
+#endif
+
+void CompileIcu(benchmark::State &state) {
+  for (auto _ : state) {
+    UErrorCode status = U_ZERO_ERROR;
+    URegularExpression *re =
+        uregex_open(BoundPattern.c_str(), int32_t(BoundPattern.size()), 0, nullptr, &status);
+    benchmark::DoNotOptimize(re);
+    uregex_close(re);
+  }
+}
+
+[[maybe_unused]] const bool Registered = [] {
+  for (const Case &c : Cases) {
+    std::string group = c.name;
+    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), Ours, c)
+        ->Unit(benchmark::kMillisecond);
+#ifdef KESTREL_HAVE_PCRE2
+    benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), Pcre2, c)
+        ->Unit(benchmark::kMillisecond);
+#endif
+    benchmark::RegisterBenchmark((group + "/icu").c_str(), Icu, c)->Unit(benchmark::kMillisecond);
+  }
+  benchmark::RegisterBenchmark("Regex.CompileBound/kestrel", CompileOurs)
+      ->Unit(benchmark::kMicrosecond);
+#ifdef KESTREL_HAVE_PCRE2
+  benchmark::RegisterBenchmark("Regex.CompileBound/pcre2-jit", CompilePcre2)
+      ->Unit(benchmark::kMicrosecond);
+#endif
+  benchmark::RegisterBenchmark("Regex.CompileBound/icu", CompileIcu)->Unit(benchmark::kMicrosecond);
+  return true;
+}();
+
+} // namespace

@@ -1,0 +1,29 @@
+// Small helpers shared by the parts of TURESearch.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <kestrel/frame/host/Types.h>
+#include <kestrel/search/SearchEngine.h>
+
+namespace kestrel {
+
+// The growing tables of the engine get 8 more entries when they are full.
+template <typename T, typename N> inline void GrowBy8(std::vector<T> &table, N used) {
+  if (static_cast<size_t>(used) >= table.size()) table.resize(table.size() + 8);
+}
+
+inline int HexValue(char16_t c) {
+  if (c >= u'0' && c <= u'9') return c - u'0';
+  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
+  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
+  return -1;
+}
+
+// A line separator: CR, LF, U+2028, U+2029.
+inline bool IsLineSeparator(UCS4 c) {
+  return c == 0x0D || c == 0x0A || c == 0x2028 || c == 0x2029;
+}
+
+} // namespace kestrel

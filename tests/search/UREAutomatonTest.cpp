@@ -1,0 +1,174 @@
+// Construction of the automaton: the operator stack, bounds, reduction to
+// states, merging and the flat tables.
+#include <gtest/gtest.h>
+
+#include <kestrel/search/URESearch.h>
+
+#include "URETestHelpers.h"
+
+namespace kestrel::test {
+namespace {
+
+const TDFA &Compile(TURESearch &engine, const std::u16string &pattern) {
+  engine.FindPrepare(pattern, CaseSensitive());
+  return engine.GetDFA();
+}
+
+// The automaton as text: per state its acceptance and transitions "symbol>target".
+std::string Describe(const TDFA &dfa) {
+  std::string out;
+  for (uint32_t s = 0; s < dfa.StateList.StatesUsed; ++s) {
+    const TDFAState &st = dfa.StateList.States[s];
+    out += std::to_string(s) + (st.Accepting ? "*" : "") + ":";
+    for (uint32_t t = 0; t < st.NumberTransitions; ++t) {
+      const TTransition &tr = dfa.TransitionList.Transitions[st.StartTransition + t];
+      out += " " + std::to_string(tr.Symbol) + ">" + std::to_string(tr.NextState);
+    }
+    out += ";";
+  }
+  return out;
+}
+
+std::string DescribePattern(const std::u16string &pattern) {
+  TURESearch engine;
+  return Describe(Compile(engine, pattern));
+}
+
+// Checks the layout every automaton must have: transitions side by side in
+// ascending symbol order, targets within the table, no gaps.
+void ExpectWellFormed(const TDFA &dfa) {
+  uint32_t next = 0;
+  for (uint32_t s = 0; s < dfa.StateList.StatesUsed; ++s) {
+    const TDFAState &st = dfa.StateList.States[s];
+    ASSERT_EQ(st.StartTransition, next);
+    for (uint32_t t = 0; t < st.NumberTransitions; ++t) {
+      const TTransition &tr = dfa.TransitionList.Transitions[next + t];
+      ASSERT_LT(tr.NextState, dfa.StateList.StatesUsed);
+      ASSERT_LT(tr.Symbol, dfa.SymbolTable.SymbolsUsed);
+      if (t > 0) {
+        ASSERT_LT(dfa.TransitionList.Transitions[next + t - 1].Symbol, tr.Symbol);
+      }
+    }
+    next += st.NumberTransitions;
+  }
+  ASSERT_EQ(next, dfa.TransitionList.TransitionsUsed);
+}
+
+TEST(UREAutomaton, StateCountsOfSmallPatterns) {
+  struct Case {
+    std::u16string pattern;
+    uint32_t states;
+  } cases[] = {
+      {u"a", 2},      {u"ab", 3},     {u"a*", 1},          {u"a+", 2},
+      {u"a?", 2},     {u"a|b", 2},    {u"(ab){2}", 5},     {u"a(b|c)|d(c|b)", 3},
+      {u"a{2,3}", 4}, {u"a{0,3}", 4}, {u"[ab]c|[ab]d", 3}, {u"(a*)*", 1},
+      {u"(a?)+", 1},  {u"(ab)*", 2},  {u"a{3,}", 4},
+  };
+  for (const Case &c : cases) {
+    TURESearch engine;
+    const TDFA &dfa = Compile(engine, c.pattern);
+    std::string name(c.pattern.begin(), c.pattern.end());
+    EXPECT_EQ(dfa.StateList.StatesUsed, c.states) << name << " " << Describe(dfa);
+    ExpectWellFormed(dfa);
+  }
+}
+
+TEST(UREAutomaton, StarIsOneAcceptingStateLoopingOnItself) {
+  EXPECT_EQ(DescribePattern(u"a*"), "0*: 0>0;");
+  EXPECT_EQ(DescribePattern(u"ab"), "0: 0>1;1: 1>2;2*:;");
+}
+
+TEST(UREAutomaton, MergedStatesAreRenumberedWithoutGaps) {
+  // Behind a and behind d the states are first apart, then merged.
+  EXPECT_EQ(DescribePattern(u"a(b|c)|d(c|b)"), "0: 0>1 3>1;1: 1>2 2>2;2*:;");
+}
+
+TEST(UREAutomaton, PatternsThatReadAlike) {
+  const std::pair<std::u16string, std::u16string> same[] = {
+      {u"a|", u"a"},   {u"a()", u"aa"},    {u"a{0}", u"a*"},   {u"a{2,0}", u"a{2,}"},
+      {u"a{1}", u"a"}, {u"a{,}", u"a*"},   {u"a{0,1}", u"a?"}, {u"a{1,0}", u"a+"},
+      {u"ab)", u"ab"}, {u"(a)(b)", u"ab"}, {u"a{ 2 }", u"aa"}, {u"a{,2}", u"a?|aa"},
+  };
+  for (const auto &[a, b] : same)
+    EXPECT_EQ(DescribePattern(a), DescribePattern(b))
+        << std::string(a.begin(), a.end()) << " vs " << std::string(b.begin(), b.end());
+}
+
+TEST(UREAutomaton, AnEmptyAlternativeRepeatsTheOneBeforeIt) {
+  // x(|a) is x(x|a): the bar keeps the current expression.
+  for (const std::u16string text : {u"xx", u"xa", u"x", u"xb", u"axxa"})
+    EXPECT_EQ(FindAllOf(u"x(|a)", text), FindAllOf(u"x(x|a)", text))
+        << std::string(text.begin(), text.end());
+  EXPECT_EQ(FindAllOf(u"x(|a)", u"xx"), (Matches{{0, 2}}));
+}
+
+TEST(UREAutomaton, NullableRepetitionsTerminate) {
+  for (const char16_t *p : {u"(a*)*", u"(a?)+", u"(a*|b*)*", u"((a?)*)+", u"(a*b?)*c", u"(^)*",
+                            u"($|a)+", u"(a{0,3}){2,4}"}) {
+    TURESearch engine;
+    const TDFA &dfa = Compile(engine, p);
+    EXPECT_GT(dfa.StateList.StatesUsed, 0u);
+    ExpectWellFormed(dfa);
+  }
+}
+
+TEST(UREAutomaton, ACompileOfABoundOfFortyStaysSmall) {
+  TURESearch engine;
+  const TDFA &dfa = Compile(engine, u"(ab|cd){1,40}");
+  ExpectWellFormed(dfa);
+  // The start, and per repetition the states after a, after c and after the
+  // pair; the last 40 accept.
+  EXPECT_EQ(dfa.StateList.StatesUsed, 121u);
+  uint32_t accepting = 0;
+  for (uint32_t s = 0; s < dfa.StateList.StatesUsed; ++s)
+    accepting += dfa.StateList.States[s].Accepting;
+  EXPECT_EQ(accepting, 40u);
+}
+
+// After merging no two states of an automaton behave alike: checked here by
+// the pairwise walk, independently of the way the engine finds them.
+bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
+  std::vector<std::pair<uint32_t, uint32_t>> list{{i, j}};
+  for (size_t p = 0; p < list.size(); ++p) {
+    const TDFAState &a = dfa.StateList.States[list[p].first];
+    const TDFAState &b = dfa.StateList.States[list[p].second];
+    if (a.Accepting != b.Accepting || a.NumberTransitions != b.NumberTransitions) return false;
+    for (uint32_t t = 0; t < a.NumberTransitions; ++t) {
+      const TTransition &ta = dfa.TransitionList.Transitions[a.StartTransition + t];
+      const TTransition &tb = dfa.TransitionList.Transitions[b.StartTransition + t];
+      if (ta.Symbol != tb.Symbol) return false;
+      std::pair<uint32_t, uint32_t> next{std::min(ta.NextState, tb.NextState),
+                                         std::max(ta.NextState, tb.NextState)};
+      if (next.first != next.second && std::find(list.begin(), list.end(), next) == list.end())
+        list.push_back(next);
+    }
+  }
+  return true;
+}
+
+TEST(UREAutomaton, NoTwoStatesBehaveAlikeAfterMerging) {
+  for (const char16_t *p : {u"a(b|c)|d(c|b)", u"(ab|cd){1,6}", u"(a|b)*abb", u"[ab]*c[ab]*c",
+                            u"x(y|z)*x|w(z|y)*x", u"(a|ab)(c|bcd)(d*)", u"(^a|b$)+c"}) {
+    TURESearch engine;
+    const TDFA &dfa = Compile(engine, p);
+    for (uint32_t i = 0; i < dfa.StateList.StatesUsed; ++i)
+      for (uint32_t j = 0; j < i; ++j)
+        EXPECT_FALSE(Alike(dfa, i, j)) << i << " " << j << " " << Describe(dfa);
+  }
+}
+
+TEST(UREAutomaton, TheParseBufferKeepsItsExpressionsUntilTheNextCompile) {
+  TURESearch engine;
+  engine.FindPrepare(u"ab", CaseSensitive());
+  const TUREBuffer &b = engine.GetUREBuffer();
+  EXPECT_GT(b.ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_FALSE(b.Reducing);
+  EXPECT_EQ(b.Stack.ListUsed, 0);
+  EXPECT_EQ(b.SymbolTable.SymbolsUsed, 0u); // moved to the automaton
+  engine.Clear();
+  EXPECT_EQ(engine.GetUREBuffer().ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
+}
+
+} // namespace
+} // namespace kestrel::test

@@ -1,0 +1,248 @@
+// Running the automaton: the one-pass rules, anchors, classes, properties,
+// case folding, surrogate pairs, FindAll and FindFirst.
+#include <gtest/gtest.h>
+
+#include <kestrel/search/URESearch.h>
+
+#include "URETestHelpers.h"
+
+namespace kestrel::test {
+namespace {
+
+struct MatchCase {
+  std::u16string pattern;
+  std::u16string text;
+  Matches expected;
+  bool fold = false;
+};
+
+std::string Name(const MatchCase &c) {
+  std::string out;
+  for (char16_t u : c.pattern + u" on " + c.text)
+    out += (u >= 0x20 && u < 0x7F) ? char(u) : '~';
+  return out;
+}
+
+void Check(const MatchCase cases[], size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    const MatchCase &c = cases[i];
+    TURESearch engine;
+    engine.FindPrepare(c.pattern, c.fold ? TSearchFlags{} : CaseSensitive());
+    bool any = engine.FindAll(c.text);
+    EXPECT_EQ(ResultsOf(engine), c.expected) << Name(c);
+    EXPECT_EQ(any, !c.expected.empty()) << Name(c);
+  }
+}
+
+TEST(UREMatcher, OnePassWithoutRewinding) {
+  const MatchCase cases[] = {
+      {u"ab", u"xab", {{1, 3}}},
+      {u"ab", u"aab", {}}, // the second a fails behind the first and is not tried again
+      {u"ab", u"abab", {{0, 2}, {2, 4}}},
+      {u"a*", u"bbb", {{0, 1}, {1, 2}, {2, 3}}},
+      {u"a*", u"aab", {{0, 2}, {2, 3}}},
+      {u"ab(cd)?", u"abx", {{0, 2}}},
+      {u"ab(cd)?", u"abcx", {}}, // an accepting state passed through is forgotten
+      {u"ab(cd)?", u"abcd", {{0, 4}}},
+      {u"a{2}", u"aaaaa", {{0, 2}, {2, 4}}},
+      {u"a+", u"baaab", {{1, 4}}},
+      {u"a|b", u"abc", {{0, 1}, {1, 2}}},
+      {u"colou?r", u"color colour", {{0, 5}, {6, 12}}},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, TheLaterSymbolWinsWhereTwoOverlap) {
+  const MatchCase cases[] = {
+      {u"ab|.c", u"ab", {}},
+      {u"ab|.c", u"ac", {{0, 2}}},
+      {u".b|ab", u"ab", {{0, 2}}},
+      {u"[a-z]x|q", u"qx", {{0, 1}}}, // q stands later in the table and is taken
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, LineAnchors) {
+  const MatchCase cases[] = {
+      {u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
+      {u"^a", u"b\na", {{2, 3}}},
+      {u"^a", u"\na", {}},
+      {u"^a", u"b\r\na", {{3, 4}}},
+      {u"^a", u"b\u2028a", {{2, 3}}},
+      {u"a$", u"a\nb", {{0, 1}}},
+      {u"a$", u"a", {{0, 1}}},
+      {u"a$", u"a\n", {{0, 2}}},
+      {u"a$", u"a\r\nb", {{0, 1}}},
+      {u"a$", u"a\r\n", {{0, 3}}},
+      {u"a$", u"a\u2029", {{0, 2}}},
+      {u"b$", u"ab", {{1, 2}}},
+      {u"$", u"ab", {}},
+      {u"a$b", u"a\nb", {{0, 3}}},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, DotClassesAndPairs) {
+  const MatchCase cases[] = {
+      {u".", u"\u2028", {}},
+      {u".", u"\n\r", {}},
+      {u".", u"\U0001D400", {{0, 2}}},
+      {u".", u"\xD800x", {{0, 1}, {1, 2}}}, // a lone half is a character like any other
+      {u"\U0001D400", u"x\U0001D400", {{1, 3}}},
+      {u"\\uD835\\uDC00+", u"\U0001D400\U0001D400x", {{0, 4}}},
+      {u"[\U0001D400-\U0001D402]", u"\U0001D401\U0001D403", {{0, 2}}},
+      {u"[^a]", u"a\U0001D400b", {{1, 3}, {3, 4}}},
+      {u"[a-c]+", u"xabcabx", {{1, 6}}},
+      {u"[]a]", u"]ab", {{0, 1}, {1, 2}}},
+      {u"[xa-]", u"xa-", {{0, 1}}},
+      {u"[z-a]", u"m", {{0, 1}}},
+      {u"[[:digit:]]", u"5]", {{0, 2}}},
+      {u"[:space:]", u"a\t b\uFEFF", {{1, 2}, {2, 3}, {4, 5}}},
+      {u"[:xdigit:]+", u"xBeEf9g", {{1, 6}}},
+      {u"\\p3+", u"a12b\u0663", {{1, 3}, {4, 5}}},
+      {u"\\p0", u"abc", {}},
+      {u"\\P1", u"a\u0301", {{0, 1}}},   // Mn does not match the negated class
+      {u"[a\\P1]", u"\u0301", {{0, 1}}}, // but it matches the bidirectional bit
+      {u"[a\\p3\\p5]", u"a5 ", {{0, 1}, {2, 3}}},
+      {u"[a\\p5:digit:]", u"a5 x", {{0, 1}, {1, 2}, {2, 3}}},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, CaseFolding) {
+  const MatchCase cases[] = {
+      {u"[A-C]x", u"bX", {{0, 2}}, true},
+      {u"[a-c]X", u"bX", {{0, 2}}, true},
+      {u"[A-C]x", u"bX", {}, false},
+      {u"[a-c]X", u"bx", {}, false},
+      {u"ABC", u"xaBc", {{1, 4}}, true},
+      {u"\u00c9t\u00c9", u"\u00e9T\u00c9", {{0, 3}}, true},
+      // The text is lower-cased before a property test: Lu holds only for
+      // capitals without a small form.
+      {u"\\p10", u"Aa\u03d2", {{2, 3}}, true},
+      {u"\\p10", u"Aa\u03d2", {{0, 1}, {2, 3}}, false},
+  };
+  Check(cases, std::size(cases));
+}
+
+// The decisions where the rules leave a choice.
+TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
+  const MatchCase cases[] = {
+      {u"^", u"ab", {{0, 0}, {1, 1}, {2, 2}}},
+      {u"^$", u"", {{0, 0}}},
+      {u"^$", u"a", {}},
+      {u"$", u"a\n", {{1, 2}, {2, 2}}},        // the empty rest still holds a blank line
+      {u"^", u"\U0001D400", {{0, 0}, {2, 2}}}, // a pair is stepped over whole
+      {u"a*", u"", {}},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, AStartAnchorLoopingOnItselfEnds) {
+  const MatchCase cases[] = {
+      {u"(^)*", u"ab", {{0, 1}, {1, 2}, {2, 2}}},
+      {u"(^|a)+", u"ab", {{0, 1}, {1, 1}}},
+      {u"(^|a)+", u"b", {{0, 0}}},
+      {u"^^a", u"a", {{0, 1}}}, // a chain of anchors is no loop
+      {u"(^a|b)+", u"abab", {{0, 2}, {2, 4}}},
+  };
+  Check(cases, std::size(cases));
+}
+
+TEST(UREMatcher, FindFirst) {
+  TURESearch engine;
+  uint32_t s = 99, e = 99;
+  engine.FindPrepare(u"^$", CaseSensitive());
+  EXPECT_TRUE(engine.FindFirst(u"", s, e));
+  EXPECT_EQ(s, 0u);
+  EXPECT_EQ(e, 0u);
+  engine.FindPrepare(u"a", CaseSensitive());
+  s = e = 99;
+  EXPECT_FALSE(engine.FindFirst(u"", s, e));
+  EXPECT_EQ(s, 99u); // written only on success
+  EXPECT_EQ(engine.GetCount(), 0u);
+
+  // The text ends at its first zero unit; FindAll sees all of it.
+  const std::u16string withZero(u"xy\0a", 4);
+  EXPECT_FALSE(engine.FindFirst(withZero, s, e));
+  EXPECT_TRUE(engine.FindAll(withZero));
+  EXPECT_EQ(ResultsOf(engine), (Matches{{3, 4}}));
+  EXPECT_TRUE(engine.FindFirst(u"bab", s, e));
+  EXPECT_EQ(ResultsOf(engine), (Matches{{1, 2}})); // results replaced
+  // A buffer without a terminator is not read past its length.
+  std::vector<char16_t> unterminated(3, u'b');
+  EXPECT_FALSE(engine.FindFirst(unterminated.data(), 3, s, e));
+}
+
+TEST(UREMatcher, ExecuteUREFlags) {
+  TURESearch engine;
+  uint32_t s = 0, e = 0;
+  engine.FindPrepare(u".", CaseSensitive());
+  EXPECT_FALSE(engine.ExecuteURE(0, u"\n", 1, s, e));
+  EXPECT_TRUE(engine.ExecuteURE(DotMatchesAll, u"\n", 1, s, e));
+  EXPECT_EQ(e, 1u);
+  engine.FindPrepare(u"ab", CaseSensitive());
+  EXPECT_FALSE(engine.ExecuteURE(0, u"a\u0301b", 3, s, e));
+  EXPECT_TRUE(engine.ExecuteURE(IgnoreNonSpacingMarks, u"a\u0301b", 3, s, e));
+  EXPECT_EQ(s, 0u);
+  EXPECT_EQ(e, 3u);
+  EXPECT_FALSE(engine.ExecuteURE(0, nullptr, 3, s, e));
+  TURESearch empty;
+  EXPECT_FALSE(empty.ExecuteURE(0, u"a", 1, s, e));
+  EXPECT_FALSE(empty.FindAll(u"a"));
+}
+
+TEST(UREMatcher, MatchesPropertiesReadsEachBitsCategory) {
+  TURESearch engine;
+  EXPECT_TRUE(engine.MatchesProperties(0x1, 0x0301));      // Mn
+  EXPECT_TRUE(engine.MatchesProperties(0x4, u'7'));        // Nd
+  EXPECT_TRUE(engine.MatchesProperties(0x10, u' '));       // Zs
+  EXPECT_TRUE(engine.MatchesProperties(0x200, u'Q'));      // Lu
+  EXPECT_TRUE(engine.MatchesProperties(0x400, u'q'));      // Ll
+  EXPECT_TRUE(engine.MatchesProperties(0x400000, u'q'));   // bidirectional L
+  EXPECT_TRUE(engine.MatchesProperties(0x800000, 0x05D0)); // bidirectional R
+  EXPECT_FALSE(engine.MatchesProperties(0x400, u'Q'));
+  EXPECT_FALSE(engine.MatchesProperties(0, u'Q'));
+  EXPECT_TRUE(engine.MatchesProperties(0xFFFFFFFF, u'Q'));
+}
+
+TEST(UREMatcher, ResultsLastUntilTheNextFindOrClear) {
+  TURESearch engine;
+  engine.FindPrepare(u"b", CaseSensitive());
+  ASSERT_TRUE(engine.FindAll(u"abcb"));
+  EXPECT_EQ(engine.GetCount(), 2u);
+  EXPECT_FALSE(engine.FindAll(u"xyz"));
+  EXPECT_EQ(engine.GetCount(), 0u);
+  engine.FindAll(u"b");
+  engine.Clear();
+  EXPECT_EQ(engine.GetCount(), 0u);
+  EXPECT_FALSE(engine.FindAll(u"b"));
+}
+
+TEST(UREMatcher, LongTextsTakeTheFastPathWithTheSameResults) {
+  // Units beyond the first 256 and states beyond the step table go through
+  // the decision cache: compare with the plain scan.
+  std::u16string text;
+  for (int i = 0; i < 4000; ++i)
+    text += char16_t(u'a' + i % 26) + std::u16string(i % 7 == 0 ? u"\u0416\u0436 " : u"") +
+            char16_t(0x0400 + i % 96);
+  for (const char16_t *p : {u"[\u0400-\u04ff]+", u"\\p10\\p11", u"[^a-z]{2,3}", u"a.c|\u0436"}) {
+    for (bool fold : {false, true}) {
+      TURESearch engine;
+      engine.FindPrepare(p, fold ? TSearchFlags{} : CaseSensitive());
+      uint32_t run = 0, s = 0, e = 0, s2 = 0, e2 = 0;
+      while (run < text.size()) {
+        bool a = engine.ExecuteURE(0, text.data() + run, uint32_t(text.size() - run), s, e);
+        bool b = engine.ExecuteUREPlain(0, text.data() + run, uint32_t(text.size() - run), s2, e2);
+        ASSERT_EQ(a, b);
+        if (!a) break;
+        ASSERT_EQ(s, s2);
+        ASSERT_EQ(e, e2);
+        run += e > 0 ? e : 1;
+      }
+    }
+  }
+}
+
+} // namespace
+} // namespace kestrel::test
