@@ -259,7 +259,8 @@ void TWideStrings::LoadFromStream(TStream *Stream) {
     const int64_t units = (size - 2) / 2;
     if (units > 0x3FFFFFFF) throw EReadError(Consts::SReadError);
     std::u16string text(static_cast<size_t>(units), u'\0');
-    std::string bytes(static_cast<size_t>(units) * 2, '\0');
+    // All the remaining bytes are read; an odd last one is no unit and is lost.
+    std::string bytes(static_cast<size_t>(size - 2), '\0');
     Stream->ReadBuffer(bytes.data(), static_cast<int32_t>(bytes.size()));
     for (size_t i = 0; i < text.size(); ++i)
       text[i] = static_cast<char16_t>(uint8_t(bytes[2 * i]) | uint8_t(bytes[2 * i + 1]) << 8);

@@ -250,6 +250,7 @@ TEST(WideStrings, LoadDetectsTheByteOrder) {
     auto s = StreamOf(c.bytes);
     list.LoadFromStream(s.get());
     EXPECT_EQ(list.SaveUnicode, c.unicode) << c.what;
+    EXPECT_EQ(s->Position(), s->Size()) << c.what; // everything was taken
     if (std::string(c.what) != "UTF-8 mark is plain text")
       EXPECT_EQ(ItemsOf(list), c.items) << c.what;
     else
