@@ -4,4 +4,5 @@
 #include <kestrel/search/SearchEngine.h>
 #include <kestrel/search/SortableLists.h>
 #include <kestrel/search/URESearch.h>
+#include <kestrel/search/UTBMSearch.h>
 #include <kestrel/search/myMasks.h>

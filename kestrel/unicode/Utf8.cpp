@@ -81,6 +81,23 @@ std::u16string UTF8ToWideString(std::string_view S) {
       continue;
     }
     unsigned n = kContinuation.count[lead];
+    // The common forms first: the same sum written out, kept when it gives a
+    // single unit; anything else takes the general way below.
+    if (n == 1 && i + 1 < size) {
+      uint32_t c = (uint32_t(lead) << 6) + src[i + 1] - kOffsetsFromUTF8[1];
+      if (c <= MaximumUCS2) {
+        dst[o++] = static_cast<char16_t>(c);
+        i += 2;
+        continue;
+      }
+    } else if (n == 2 && i + 2 < size) {
+      uint32_t c = (((uint32_t(lead) << 6) + src[i + 1]) << 6) + src[i + 2] - kOffsetsFromUTF8[2];
+      if (c <= MaximumUCS2) {
+        dst[o++] = static_cast<char16_t>(c);
+        i += 3;
+        continue;
+      }
+    }
     if (n >= size - i) {
       // The end of the text cuts the sequence off: one replacement for it.
       dst[o++] = static_cast<char16_t>(ReplacementCharacter);
@@ -127,17 +144,19 @@ std::string WideStringToUTF8(std::u16string_view S) {
       }
       continue;
     }
-    if (c < 0x800) {
-      dst[o + 1] = static_cast<char>(0x80 | (c & 0x3F));
-      dst[o] = static_cast<char>(0xC0 | (c >> 6));
-      o += 2;
-    } else {
-      dst[o + 2] = static_cast<char>(0x80 | (c & 0x3F));
-      dst[o + 1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      dst[o] = static_cast<char>(0xE0 | (c >> 12));
-      o += 3;
-    }
-    ++i;
+    // A run of units beyond ASCII, as in most words of other scripts.
+    do {
+      if (c < 0x800) {
+        dst[o + 1] = static_cast<char>(0x80 | (c & 0x3F));
+        dst[o] = static_cast<char>(0xC0 | (c >> 6));
+        o += 2;
+      } else {
+        dst[o + 2] = static_cast<char>(0x80 | (c & 0x3F));
+        dst[o + 1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        dst[o] = static_cast<char>(0xE0 | (c >> 12));
+        o += 3;
+      }
+    } while (++i < size && (c = src[i]) >= 0x80);
   }
   result.resize(o);
   return result;

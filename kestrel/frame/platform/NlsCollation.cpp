@@ -2,6 +2,7 @@
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/NlsInternal.h>
 
+#include <atomic>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -51,48 +52,48 @@ uint64_t KeyOf(LCID locale, uint32_t flags) {
   return (uint64_t(locale) << 32) | flags;
 }
 
+struct CachedCollator {
+  uint64_t key;
+  CollatorPtr collator; // null for an unknown locale
+};
+
 // Collators are made once per locale and flag set and kept for the life of
 // the process: comparing does not change a collator, so threads share them.
-// An unknown locale is remembered as null.
+// Most callers compare many strings in one locale, so the entry used last is
+// found without the lock; entries never move or go while the process runs.
 class CollatorCache {
 public:
   const UCollator *Get(LCID locale, uint32_t flags) {
     uint64_t key = KeyOf(locale, flags);
+    const CachedCollator *last = last_.load(std::memory_order_acquire);
+    if (last && last->key == key) return last->collator.get();
+    const CachedCollator *entry = Find(key);
+    last_.store(entry, std::memory_order_release);
+    return entry->collator.get();
+  }
+
+private:
+  [[gnu::noinline]] const CachedCollator *Find(uint64_t key) {
     {
       std::shared_lock<std::shared_mutex> read(mutex_);
       auto it = map_.find(key);
       if (it != map_.end()) return it->second.get();
     }
-    CollatorPtr made = MakeCollator(locale, flags);
+    auto made = std::make_unique<CachedCollator>(
+        CachedCollator{key, MakeCollator(LCID(key >> 32), uint32_t(key))});
     std::unique_lock<std::shared_mutex> write(mutex_);
     auto [it, inserted] = map_.emplace(key, std::move(made));
     return it->second.get();
   }
 
-private:
   std::shared_mutex mutex_;
-  std::unordered_map<uint64_t, CollatorPtr> map_;
+  std::unordered_map<uint64_t, std::unique_ptr<CachedCollator>> map_;
+  std::atomic<const CachedCollator *> last_{nullptr};
 };
 
-CollatorCache &Cache() {
-  static CollatorCache cache;
-  return cache;
-}
-
-// Most callers compare many strings in one locale: the last collator that a
-// thread used is found without the shared lock.
 const UCollator *CollatorFor(LCID locale, uint32_t flags) {
-  struct Last {
-    uint64_t key = ~uint64_t(0);
-    const UCollator *collator = nullptr;
-  };
-  thread_local Last last;
-  uint64_t key = KeyOf(locale, flags);
-  if (key != last.key) {
-    last.collator = Cache().Get(locale, flags);
-    last.key = key;
-  }
-  return last.collator;
+  static CollatorCache cache;
+  return cache.Get(locale, flags);
 }
 
 template <typename Unit> bool CountOf(const Unit *text, int32_t count, int32_t &length) {

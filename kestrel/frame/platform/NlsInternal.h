@@ -9,7 +9,11 @@
 namespace kestrel::nls {
 
 // The identifier that the defaults (0, 0x0400, 0x0800) stand for.
-LCID ResolveLCID(LCID locale);
+inline LCID ResolveLCID(LCID locale) {
+  bool isDefault =
+      locale == LOCALE_NEUTRAL || locale == LOCALE_USER_DEFAULT || locale == LOCALE_SYSTEM_DEFAULT;
+  return isDefault ? GetUserDefaultLCID() : locale;
+}
 
 // Text in the system code page.
 std::string ToSystemBytes(std::u16string_view text);

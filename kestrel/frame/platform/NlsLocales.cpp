@@ -95,16 +95,6 @@ LANGID GetUserDefaultLangID() {
   return static_cast<LANGID>(GetUserDefaultLCID() & 0xFFFF);
 }
 
-namespace nls {
-
-LCID ResolveLCID(LCID locale) {
-  if (locale == LOCALE_NEUTRAL || locale == LOCALE_USER_DEFAULT || locale == LOCALE_SYSTEM_DEFAULT)
-    return GetUserDefaultLCID();
-  return locale;
-}
-
-} // namespace nls
-
 bool LocaleNameFromLCID(LCID locale, std::string &name) {
   locale = nls::ResolveLCID(locale);
   if (locale == LOCALE_INVARIANT) {

@@ -1,0 +1,280 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <random>
+#include <vector>
+
+#include <kestrel/search/Search.h>
+
+using namespace kestrel;
+
+namespace {
+
+using Pairs = std::vector<std::pair<int32_t, int32_t>>;
+
+constexpr uint8_t CS = 1, NS = 2, SC = 4, LB = 8, RB = 16;
+
+TSearchFlags Fl(uint8_t raw) {
+  return TSearchFlags::FromRaw(raw);
+}
+
+Pairs Results(TSearchEngine &e) {
+  Pairs out;
+  for (uint32_t i = 0; i < e.GetCount(); ++i) {
+    int32_t a = -1, b = -1;
+    e.GetResult(i, a, b);
+    out.emplace_back(a, b);
+  }
+  return out;
+}
+
+Pairs FindAll(const std::u16string &pattern, uint8_t flags, const std::u16string &text) {
+  TUTBMSearch e(nullptr);
+  e.FindPrepare(pattern, Fl(flags));
+  e.FindAll(text);
+  return Results(e);
+}
+
+// Leftmost non-overlapping occurrences, unit for unit: what an exact search
+// without flags must give.
+Pairs Naive(const std::u16string &pattern, const std::u16string &text) {
+  Pairs out;
+  for (size_t at = text.find(pattern); at != std::u16string::npos;
+       at = text.find(pattern, at + pattern.size()))
+    out.emplace_back(int32_t(at), int32_t(at + pattern.size()));
+  return out;
+}
+
+std::string Hex(const std::u16string &s) {
+  std::string out;
+  char buf[8];
+  for (char16_t c : s) {
+    std::snprintf(buf, sizeof buf, "%04X ", unsigned(c));
+    out += buf;
+  }
+  return out;
+}
+
+bool PairFarFromTheEnd(const std::u16string &pattern) {
+  for (size_t k = 0; k + 1 < pattern.size(); ++k)
+    if (pattern[k] >= 0xD800 && pattern[k] <= 0xDBFF && k + 2 < pattern.size() - 1) return true;
+  return false;
+}
+
+const std::u16string kPair = u"\xD801\xDC00";  // U+10400
+const std::u16string kPair2 = u"\xD800\xDF00"; // U+10300
+
+} // namespace
+
+struct FindCase {
+  const char *what;
+  std::u16string pattern;
+  uint8_t flags;
+  std::u16string text;
+  Pairs expected;
+};
+
+TEST(UTBMSearch, FindAllTable) {
+  const FindCase cases[] = {
+      {"one entry ignores both bounds", u"a", LB | RB, u"bab", {{1, 2}}},
+      {"right bound before blank", u"ab", RB, u"ab c", {{0, 2}}},
+      {"right bound fails before a letter", u"ab", RB, u"abc", {}},
+      {"left bound needs white space before", u"ab", LB, u"xab", {}},
+      {"left bound after a match counts as start", u"ab", LB, u"abab", {{0, 2}, {2, 4}}},
+      {"left bound after blank", u"ab", LB, u"x ab", {{2, 4}}},
+      {"right bound at the end of the text", u"ab", RB, u"xab", {{1, 3}}},
+      {"case folded", u"ab", 0, u"AB aB Ab ab", {{0, 2}, {3, 5}, {6, 8}, {9, 11}}},
+      {"case sensitive", u"ab", CS, u"AB aB ab", {{6, 8}}},
+      {"compressed run of one", u"a  b", SC, u"a b", {{0, 3}}},
+      {"compressed run of two", u"a  b", SC, u"a  b", {{0, 4}}},
+      {"compressed run of three", u"a  b", SC, u"a   b", {{0, 5}}},
+      {"compressed tab", u"a  b", SC, u"a\tb", {{0, 3}}},
+      {"probe on a tab skips too far", u"a  b", SC, u"a \t b", {}},
+      {"leading blank takes the run", u" b", SC, u"a  b", {{1, 4}}},
+      {"run at the start of the text", u" b", SC, u"  b", {{1, 3}}},
+      {"probe on a mark skips too far", u"ab", NS, u"a\u0301b", {}},
+      {"two marks stepped over", u"ab", NS, u"a\u0301\u0301b", {{0, 4}}},
+      {"a mark after the match is not taken", u"ab", NS, u"ab\u0301", {{0, 2}}},
+      {"pair before the last character", kPair + u"a", CS, u"x" + kPair + u"a", {{1, 4}}},
+      {"pair at the very start", kPair + u"a", CS, kPair + u"a", {{0, 3}}},
+      {"pair then pair", kPair + kPair2, CS, u"a" + kPair + kPair2, {{1, 5}}},
+      {"no match", u"zz", 0, u"abc", {}},
+      {"pattern longer than the text", u"abcd", 0, u"abc", {}},
+      {"matches do not overlap", u"aa", CS, u"aaaaa", {{0, 2}, {2, 4}}},
+      {"lone high half in the pattern", u"\xD800x", CS, u"a\xD800x", {{1, 3}}},
+      {"lone high half does not match a pair", u"\xD800x", CS, u"\xD800\xDC00x", {}},
+  };
+  for (const auto &c : cases)
+    EXPECT_EQ(FindAll(c.pattern, c.flags, c.text), c.expected) << c.what;
+}
+
+// The three loops that the plain steps would not leave: a one-entry pattern
+// meeting a pair it does not hold, and a pattern ending in a pair. Each must
+// end, and a pattern ending in a pair is found where it occurs.
+TEST(UTBMSearch, SurrogatePairsNeverStallTheSearch) {
+  const FindCase cases[] = {
+      {"one entry steps past a foreign pair", u"a", CS, kPair + kPair + u"a", {{4, 5}}},
+      {"one entry after marks are dropped", u"a\u0301", CS | NS, kPair + u"a", {{2, 3}}},
+      {"one blank after compression", u"  ", CS | SC, kPair + u" ", {{2, 3}}},
+      {"lone pair pattern", kPair, CS, u"a" + kPair2 + kPair + u"b" + kPair, {{3, 5}, {6, 8}}},
+      {"pattern ending in a pair",
+       u"a" + kPair,
+       CS,
+       kPair + u"a" + kPair + u"a" + kPair2,
+       {{2, 5}}},
+      {"ending pair repeated", kPair + kPair, CS, kPair + kPair + kPair, {{0, 4}}},
+      {"ending pair never found", u"b" + kPair, CS, u"a" + kPair + kPair, {}},
+  };
+  for (const auto &c : cases)
+    EXPECT_EQ(FindAll(c.pattern, c.flags, c.text), c.expected) << c.what;
+}
+
+// The first character of the text is compared once: when the pattern has
+// entries left after it, the candidate fails.
+TEST(UTBMSearch, TheFirstCharacterIsNotComparedTwice) {
+  EXPECT_EQ(FindAll(u"aab", CS | NS, u"a\u0301b"), Pairs{});
+  EXPECT_EQ(FindAll(u"aab", CS | NS, u"a\u0301ab"), (Pairs{{0, 4}}));
+  EXPECT_EQ(FindAll(u"x  b", CS | SC, u"  b"), Pairs{});
+}
+
+TEST(UTBMSearch, CompileBuildsEntriesSkipsAndShift) {
+  TUTBMSearch e(nullptr);
+  e.FindPrepare(u"a  b", Fl(SC));
+  EXPECT_EQ(e.GetPatternUsed(), 3u);
+  EXPECT_EQ(e.GetPatternLength(), 3u);
+  ASSERT_EQ(e.GetSkipsUsed(), 3u);
+  EXPECT_EQ(e.GetSkipValues()[1].Entry->UpCase, 0x20u); // only the blank is known
+  EXPECT_EQ(e.GetSkipValues()[0].Skip, 2u);
+  EXPECT_EQ(e.GetSkipValues()[2].Skip, 0u);
+
+  // Case forms of each entry; a later occurrence overwrites the skip.
+  e.FindPrepare(u"abca", {});
+  EXPECT_EQ(e.GetPattern()[0].LoCase, u'a');
+  EXPECT_EQ(e.GetPattern()[0].UpCase, u'A');
+  EXPECT_EQ(e.GetPattern()[0].TitleCase, u'A');
+  ASSERT_EQ(e.GetSkipsUsed(), 3u);
+  EXPECT_EQ(e.GetSkipValues()[0].Skip, 0u);
+  EXPECT_EQ(e.GetMismatchShift(), 3u); // the earlier a is three units back
+
+  e.FindPrepare(u"abc", Fl(CS));
+  EXPECT_EQ(e.GetPattern()[0].UpCase, u'a');
+  EXPECT_EQ(e.GetMismatchShift(), 1u);
+
+  // A pair counts two units; a pair before the end adds one to its skip.
+  e.FindPrepare(kPair + u"xy", Fl(CS));
+  EXPECT_EQ(e.GetPatternUsed(), 3u);
+  EXPECT_EQ(e.GetPatternLength(), 4u);
+  EXPECT_EQ(e.GetSkipValues()[0].Skip, 4u);
+  EXPECT_EQ(e.GetMismatchShift(), 3u);
+  e.FindPrepare(u"x" + kPair, Fl(CS));
+  EXPECT_EQ(e.GetSkipValues()[1].Skip, 1u); // never 0 for a final pair
+
+  // Marks dropped; a pattern of marks alone leaves no entry and finds nothing.
+  e.FindPrepare(u"\u0301\u0302", Fl(NS));
+  EXPECT_EQ(e.GetPatternUsed(), 0u);
+  EXPECT_FALSE(e.FindAll(u"\u0301\u0302"));
+}
+
+TEST(UTBMSearch, EmptyPatternKeepsTheOldOne) {
+  TUTBMSearch e(nullptr);
+  e.FindPrepare(u"ab", Fl(CS));
+  e.FindPrepare(u"", Fl(0));
+  e.FindPrepare(nullptr, 3, Fl(0));
+  e.FindPrepare(std::u16string(u"\0x", 2), Fl(0)); // first unit 0: empty
+  EXPECT_EQ(e.GetFlags(), Fl(CS));
+  EXPECT_TRUE(e.FindAll(u"xab"));
+  EXPECT_EQ(Results(e), (Pairs{{1, 3}}));
+}
+
+TEST(UTBMSearch, FindFirstAndClear) {
+  TUTBMSearch e(nullptr);
+  uint32_t a = 0, b = 0;
+  EXPECT_FALSE(e.FindFirst(u"abc", a, b)); // no pattern yet
+  e.FindPrepare(u"b", Fl(CS));
+  EXPECT_TRUE(e.FindAll(u"bbb"));
+  EXPECT_TRUE(e.FindFirst(u"abcb", a, b));
+  EXPECT_EQ(a, 1u);
+  EXPECT_EQ(b, 2u);
+  EXPECT_EQ(Results(e), (Pairs{{1, 2}}));
+  EXPECT_FALSE(e.FindFirst(nullptr, 5, a, b));
+  EXPECT_FALSE(e.FindFirst(u"", a, b));
+  EXPECT_EQ(e.GetCount(), 0u);
+  e.FindAll(u"b");
+  e.Clear();
+  EXPECT_EQ(e.GetCount(), 0u);
+  EXPECT_EQ(e.GetPatternUsed(), 0u);
+  EXPECT_FALSE(e.FindAll(u"b"));
+}
+
+TEST(UTBMSearch, FindAllWithoutMatchLeavesNoResults) {
+  TUTBMSearch e(nullptr);
+  e.FindPrepare(u"q", {});
+  EXPECT_FALSE(e.FindAll(u"abc"));
+  EXPECT_EQ(e.GetCount(), 0u);
+}
+
+// Random patterns, texts and flags: every search ends, results lie in the
+// text in order without overlap, and an exact search gives what a naive one
+// gives. Bounded in time.
+TEST(UTBMSearch, RandomizedSearchesEndAndAgreeWithANaiveSearch) {
+  std::mt19937 rng(20240607);
+  const std::u16string alphabet[] = {u"a",
+                                     u"b",
+                                     u"A",
+                                     u" ",
+                                     u"\t",
+                                     u"\u0301",
+                                     u"\n",
+                                     u"\xD800",
+                                     u"\xDC00",
+                                     kPair,
+                                     kPair2,
+                                     u"\u01C5",
+                                     std::u16string(1, 0),
+                                     u"\u00E9",
+                                     u"\u2028",
+                                     u"\x0007",
+                                     u"\xDBFF\xDFFF"};
+  const std::u16string exactAlphabet[] = {u"a", u"b", kPair, kPair2};
+  auto make = [&](size_t maxChars, const std::u16string *letters, size_t n) {
+    std::u16string s;
+    size_t chars = rng() % (maxChars + 1);
+    for (size_t i = 0; i < chars; ++i)
+      s += letters[rng() % n];
+    return s;
+  };
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+  int runs = 0;
+  while (std::chrono::steady_clock::now() < deadline) {
+    ++runs;
+    const bool exact = runs % 2 == 0;
+    const std::u16string *letters = exact ? exactAlphabet : alphabet;
+    const size_t n = exact ? std::size(exactAlphabet) : std::size(alphabet);
+    std::u16string pattern = make(5, letters, n), text = make(40, letters, n);
+    const uint8_t flags = exact ? CS : static_cast<uint8_t>(rng() % 32);
+    TUTBMSearch e(nullptr);
+    e.FindPrepare(pattern, Fl(flags));
+    e.FindAll(text);
+    Pairs got = Results(e);
+    int32_t last = 0;
+    for (auto [a, b] : got) {
+      ASSERT_LE(last, a);
+      ASSERT_LT(a, b);
+      ASSERT_LE(b, int32_t(text.size()));
+      last = b;
+    }
+    if (exact) {
+      for (auto [a, b] : got) {
+        ASSERT_EQ(text.substr(a, b - a), pattern) << Hex(pattern) << "in " << Hex(text);
+      }
+    }
+    // A pair that stands two or more units before the pattern's end gets a
+    // skip one unit longer than its distance to the end, which can jump over
+    // an occurrence; other exact patterns find exactly what a naive search does.
+    if (exact && !pattern.empty() && !PairFarFromTheEnd(pattern)) {
+      ASSERT_EQ(got, Naive(pattern, text)) << "pattern " << Hex(pattern) << "text " << Hex(text);
+    }
+  }
+  EXPECT_GT(runs, 100);
+}
