@@ -338,7 +338,9 @@ __attribute__((target("avx2"))) const char16_t *FindStartAvx2(const char16_t *Ru
   return FindStartSse2(Run, End, Low, Span, K);
 }
 
+// Chosen while the library loads, before the CPU model may have been read.
 TStartFinder ChooseStartFinder() {
+  __builtin_cpu_init();
   return __builtin_cpu_supports("avx2") ? FindStartAvx2 : FindStartSse2;
 }
 #else

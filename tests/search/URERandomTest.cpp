@@ -5,6 +5,7 @@
 // language as an independent matcher (std::wregex) sees it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <random>
 #include <regex>
@@ -182,6 +183,27 @@ std::string Show(const std::u16string &s) {
   return out;
 }
 
+// Whether two states of an automaton behave alike: the same acceptance, the
+// same symbols in the same order, and targets that behave alike in turn.
+bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
+  std::vector<std::pair<uint32_t, uint32_t>> list{{i, j}};
+  for (size_t p = 0; p < list.size(); ++p) {
+    const TDFAState &a = dfa.StateList.States[list[p].first];
+    const TDFAState &b = dfa.StateList.States[list[p].second];
+    if (a.Accepting != b.Accepting || a.NumberTransitions != b.NumberTransitions) return false;
+    for (uint32_t t = 0; t < a.NumberTransitions; ++t) {
+      const TTransition &ta = dfa.TransitionList.Transitions[a.StartTransition + t];
+      const TTransition &tb = dfa.TransitionList.Transitions[b.StartTransition + t];
+      if (ta.Symbol != tb.Symbol) return false;
+      std::pair<uint32_t, uint32_t> next{std::min(ta.NextState, tb.NextState),
+                                         std::max(ta.NextState, tb.NextState)};
+      if (next.first != next.second && std::find(list.begin(), list.end(), next) == list.end())
+        list.push_back(next);
+    }
+  }
+  return true;
+}
+
 void CheckWellFormed(const Matches &m, const std::u16string &text, const std::string &where) {
   int32_t lastEnd = 0;
   bool lastEmpty = false;
@@ -228,6 +250,13 @@ TEST(URERandom, GeneratedPatternsOverGeneratedTexts) {
       continue;
     }
     ++compiled;
+    const TDFA &dfa = engine.GetDFA();
+    // Merging left no two states alike.
+    for (uint32_t i = 0; i < dfa.StateList.StatesUsed && i < 24; ++i) {
+      for (uint32_t j = 0; j < i; ++j) {
+        ASSERT_FALSE(Alike(dfa, i, j)) << where << " states " << j << " and " << i;
+      }
+    }
     std::wregex peer;
     const bool oracle = g.comparable && !fold && !engine.GetDFA().StateList.States[0].Accepting;
     if (oracle) peer.assign(g.peer, std::regex::ECMAScript);
