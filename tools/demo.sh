@@ -12,3 +12,7 @@ echo "== kestrel search --ignore-marks: 'crecerelle' also finds the spelling wit
 echo
 echo "== kestrel search --whole-word --case-sensitive --json: 'KESTREL'"
 "$KESTREL" search --whole-word --case-sensitive --json KESTREL corpus/*.txt
+echo
+echo "== kestrel convert: the German sample from UTF-16 to Windows-1252 and back to UTF-8"
+"$KESTREL" convert --from utf-16 --to 1252 corpus/markt-de.txt |
+  "$KESTREL" convert --from 1252 --to utf-8 | sed -n '3p'
