@@ -1,4 +1,5 @@
 // The files subsystem.
 #pragma once
 
+#include <kestrel/files/PeruseDir.h>
 #include <kestrel/files/myFileStreamU.h>

@@ -603,3 +603,15 @@ TEST(WideStringList, AssignBetweenByteAndWideLists) {
   EXPECT_EQ(back.Get(0), "caf\xC3\xA9");
   EXPECT_EQ(back.GetObject(0), &obj);
 }
+
+TEST(WideStrings, SaveToFilePassesOnTheStreamError) {
+  test::TempDir dir;
+  TWideStringList list;
+  list.Add(u"x");
+  EXPECT_THROW(list.SaveToFile(dir / "no-such-folder/out.txt"), EFCreateError);
+  list.SaveToFile(dir / "out.txt");
+  EXPECT_EQ(test::ReadFileBytes(dir / "out.txt"), "x\r\n");
+  TWideStringList back;
+  back.LoadFromFile(dir / "out.txt");
+  EXPECT_EQ(ItemsOf(back), Items{u"x"});
+}

@@ -18,6 +18,7 @@
 #include <kestrel/unicode/CodePages.h>
 
 #include "Cli.h"
+#include "SearchInputs.h"
 #include "TextFiles.h"
 
 namespace kestrel::cli {
@@ -41,16 +42,13 @@ std::unique_ptr<TSearchEngine> ChooseEngine(const Args &args, const std::u16stri
 
 // ---- Inputs
 
-// One text to search: a name to show and a way to get its bytes.
-struct Input {
-  std::string name;
-  std::function<std::string()> load;
-};
-
-std::vector<Input> EnumerateInputs(const std::vector<std::string> &paths, const Args &) {
+// A folder gives the files that --files takes (with --recursive, in its
+// sub-folders too) and the members of its ZIP archives that the same masks
+// take; a ZIP archive gives its members; any other path is a text.
+std::vector<Input> EnumerateInputs(const std::vector<std::string> &paths, SearchInputs &sources) {
   std::vector<Input> inputs;
   for (const std::string &path : paths)
-    inputs.push_back({path, [path] { return ReadFileBytes(path); }});
+    sources.Add(path, inputs);
   return inputs;
 }
 
@@ -247,7 +245,7 @@ uint32_t SearchOne(TSearchEngine &engine, const Input &input, const std::u16stri
 
 int RunSearch(const Args &args) {
   auto unknown = args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word",
-                               "width", "pattern-file", "encoding", "json"});
+                               "width", "pattern-file", "encoding", "json", "files", "recursive"});
   if (!unknown.empty()) throw UsageError{"unknown option --" + unknown.front()};
   const TextEncoding encoding =
       args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
@@ -256,7 +254,8 @@ int RunSearch(const Args &args) {
   std::vector<std::string> paths;
   const std::u16string pattern = TakePattern(args, encoding, paths);
   std::unique_ptr<TSearchEngine> engine = ChooseEngine(args, pattern);
-  const std::vector<Input> inputs = EnumerateInputs(paths, args);
+  SearchInputs sources(args.Value("files", "*.txt"), args.Has("recursive"));
+  const std::vector<Input> inputs = EnumerateInputs(paths, sources);
 
   size_t nameWidth = 0;
   for (const Input &in : inputs)
@@ -292,8 +291,10 @@ const CommandRegistration kSearch{Command{
     "search [OPTIONS] PATTERN PATH...\n"
     "       search [OPTIONS] --pattern-file FILE PATH...\n"
     "  Texts are UTF-16 with either byte-order mark, UTF-8 with or without mark,\n"
-    "  or what --encoding names. Each match shows file, line, column (in characters,\n"
-    "  from 1), left context, the match and right context, aligned on the match.\n"
+    "  or what --encoding names. A PATH may be a folder or a ZIP archive: members\n"
+    "  of archives are searched as texts. Each match shows file, line, column\n"
+    "  (in characters, from 1), left context, the match and right context,\n"
+    "  aligned on the match.\n"
     "  --case-sensitive     compare characters exactly (default: case folded)\n"
     "  --ignore-marks       drop non-spacing marks from pattern and text\n"
     "  --compress-space     a run of white space counts as one blank\n"
@@ -303,9 +304,12 @@ const CommandRegistration kSearch{Command{
     "                       (one final line break is dropped)\n"
     "  --encoding ENC       for texts without a mark: a code page (1252, cp1251...),\n"
     "                       utf-8 (the default), utf-16le or utf-16be\n"
+    "  --files MASKS        in folders and archives, the files to search: up to 10\n"
+    "                       masks separated by \";\" (default \"*.txt\")\n"
+    "  --recursive          search the sub-folders of a folder too\n"
     "  --json               a JSON array: file, start and stop (UTF-16 unit offsets\n"
     "                       into the decoded text), line, column and the match",
-    {"width", "pattern-file", "encoding"},
+    {"width", "pattern-file", "encoding", "files"},
     RunSearch}};
 
 } // namespace

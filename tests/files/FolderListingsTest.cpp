@@ -1,0 +1,244 @@
+// Folder listings: the list of records, one folder's listing, stored forms and sorts.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "TestSupport.h"
+#include <kestrel/files/PeruseDir.h>
+#include <kestrel/frame/host/Host.h>
+
+namespace kestrel {
+namespace {
+
+TMySearchRec Rec(const std::string &name, int32_t size = 0, TDateTime date = 0, int32_t attr = 0,
+                 int16_t zip = 0) {
+  TMySearchRec r;
+  r.Name = name;
+  r.Size = size;
+  r.Date = date;
+  r.Attr = attr;
+  r.ZipNumber = zip;
+  return r;
+}
+
+std::vector<std::string> Names(const TFolderful &f) {
+  std::vector<std::string> names;
+  for (int32_t i = 0; i < f.fGetTotalFiles(); ++i)
+    names.push_back(f.fGetASearchRec(i).Name);
+  return names;
+}
+
+std::string Bytes(TMemoryStream &s) {
+  return std::string(static_cast<const char *>(s.Memory()), static_cast<size_t>(s.Size()));
+}
+
+TEST(FolderListing, CreateAddsTheDelimiterOnce) {
+  TFolderful a("/corpus"), b("/corpus/");
+  EXPECT_EQ(a.Dirname(), "/corpus/");
+  EXPECT_EQ(b.Dirname(), "/corpus/");
+  EXPECT_TRUE(a.fEmpty());
+  EXPECT_EQ(a.CurrentSort(), TMySearchRecSort::none);
+  EXPECT_EQ(a.fUserValue1 | a.fUserValue2 | a.fUserValue3, 0);
+}
+
+TEST(FolderListing, EmptyStoredFormEndsWithACountOfZero) {
+  TFolderful f("/c");
+  f.fUserValue1 = 1;
+  f.fUserValue2 = 2;
+  f.fUserValue3 = 0x03040506;
+  TMemoryStream s;
+  ASSERT_TRUE(f.SaveToStream(&s));
+  const std::string expected = std::string("\x00"              // sort
+                                           "\x02\x00\x00\x00"  // value 2
+                                           "\x06\x05\x04\x03"  // value 3
+                                           "\x01\x00\x00\x00"  // value 1
+                                           "\x03/c/"           // folder
+                                           "\x00\x00\x00\x00", // count
+                                           21);
+  EXPECT_EQ(Bytes(s), expected);
+}
+
+TEST(FolderListing, EntryStoredForm) {
+  TMySearchRecList list;
+  list.AddRec(Rec("ab", 0x11223344, 1.5, 0x20, 7));
+  TMemoryStream s;
+  list.SaveToStream(&s);
+  const std::string b = Bytes(s);
+  ASSERT_EQ(b.size(), 4u + 20u + 3u);
+  double date;
+  std::memcpy(&date, b.data() + 4, 8);
+  EXPECT_EQ(date, 1.5);
+  EXPECT_EQ(b.substr(12, 4), std::string("\x44\x33\x22\x11", 4));
+  EXPECT_EQ(b.substr(16, 4), std::string("\x20\x00\x00\x00", 4));
+  EXPECT_EQ(b.substr(20, 4), std::string("\x07\x00\x00\x00", 4)); // number, reserved 0
+  EXPECT_EQ(b.substr(24), "\x02"
+                          "ab");
+}
+
+TEST(FolderListing, ReadBackEqualsWhatWasSaved) {
+  TFolderful f("/corpus");
+  f.fUserValue1 = -1;
+  f.fUserValue2 = 22;
+  f.fUserValue3 = 333;
+  f.AddAFile(Rec("b.txt", 10, 45000.25, 0x20));
+  f.AddAFile(Rec("/corpus/a.zip/sub/c.txt", 30, 45001.5, 0x21, 2));
+  f.AddAFile(Rec("a.txt", 20, 45002.75, 0x01));
+  f.fSetSort(TMySearchRecSort::by_size);
+  TMemoryStream s;
+  ASSERT_TRUE(f.SaveToStream(&s));
+  s.SetPosition(0);
+  TFolderful g("/elsewhere");
+  g.AddAFile(Rec("dropped.txt"));
+  ASSERT_TRUE(g.ReadFromStream(&s));
+  EXPECT_EQ(g.Dirname(), "/corpus/");
+  EXPECT_EQ(g.CurrentSort(), TMySearchRecSort::by_size);
+  EXPECT_EQ(g.fUserValue1, -1);
+  EXPECT_EQ(g.fUserValue2, 22);
+  EXPECT_EQ(g.fUserValue3, 333);
+  ASSERT_EQ(g.fGetTotalFiles(), 3);
+  for (int32_t i = 0; i < 3; ++i) {
+    const TMySearchRec a = f.fGetASearchRec(i), b = g.fGetASearchRec(i);
+    EXPECT_EQ(a.Name, b.Name);
+    EXPECT_EQ(a.Date, b.Date);
+    EXPECT_EQ(a.Size, b.Size);
+    EXPECT_EQ(a.Attr, b.Attr);
+    EXPECT_EQ(a.ZipNumber, b.ZipNumber);
+  }
+  EXPECT_EQ(s.Remaining(), 0);
+}
+
+TEST(FolderListing, NamesOver255BytesComeBackCut) {
+  const std::string longName = std::string(300, 'n');
+  TMySearchRecList list;
+  list.AddRec(Rec(longName));
+  list.AddRec(Rec(std::string(255, 'm')));
+  list.AddRec(Rec("after"));
+  TMemoryStream s;
+  list.SaveToStream(&s);
+  EXPECT_EQ(s.Size(), 4 + (20 + 1 + 44) + (20 + 1 + 255) + (20 + 1 + 5));
+  s.SetPosition(0);
+  TMySearchRecList back;
+  back.ReadFromStream(&s);
+  ASSERT_EQ(back.Count(), 3);
+  EXPECT_EQ(back.GetAMySearchRec(0).Name, std::string(44, 'n')); // 300 mod 256
+  EXPECT_EQ(back.GetAMySearchRec(1).Name, std::string(255, 'm'));
+  EXPECT_EQ(back.GetAMySearchRec(2).Name, "after"); // the stream stayed in step
+}
+
+TEST(FolderListing, ReadAppendsToAListWithEntries) {
+  TMySearchRecList list;
+  list.AddRec(Rec("one"));
+  TMemoryStream s;
+  list.SaveToStream(&s);
+  s.SetPosition(0);
+  list.ReadFromStream(&s);
+  ASSERT_EQ(list.Count(), 2);
+  EXPECT_EQ(list.GetAMySearchRec(1).Name, "one");
+}
+
+TEST(FolderListing, TruncatedOrHostileStreamRaisesAndKeepsWhatWasRead) {
+  TMySearchRecList list;
+  list.AddRec(Rec("first"));
+  list.AddRec(Rec("second"));
+  TMemoryStream full;
+  list.SaveToStream(&full);
+  const std::string bytes = Bytes(full);
+  for (size_t cut : {size_t(2), size_t(10), size_t(4 + 26 + 5)}) {
+    SCOPED_TRACE(cut);
+    TMemoryStream s;
+    s.WriteBuffer(bytes.data(), static_cast<int32_t>(cut));
+    s.SetPosition(0);
+    TMySearchRecList back;
+    EXPECT_THROW(back.ReadFromStream(&s), EStreamError);
+    EXPECT_LE(back.Count(), 1);
+  }
+  // A count far beyond the stream fails at its end, not by allocating.
+  TMemoryStream hostile;
+  const int32_t huge = 0x7FFFFFFF;
+  hostile.WriteBuffer(&huge, 4);
+  hostile.SetPosition(0);
+  TMySearchRecList back;
+  EXPECT_THROW(back.ReadFromStream(&hostile), EStreamError);
+  EXPECT_EQ(back.Count(), 0);
+  // A negative count reads no entries.
+  TMemoryStream negative;
+  const int32_t minus = -5;
+  negative.WriteBuffer(&minus, 4);
+  negative.SetPosition(0);
+  EXPECT_TRUE(back.ReadFromStream(&negative));
+  EXPECT_EQ(back.Count(), 0);
+}
+
+TEST(FolderListing, Sorts) {
+  TFolderful f("/c");
+  f.AddAFile(Rec("beta", 5, 3.0, 0x21));
+  f.AddAFile(Rec("Alpha", 50, 1.0, 0x20));
+  f.AddAFile(Rec("gamma", 20, 2.0, 0x01));
+  f.fSetSort(TMySearchRecSort::by_name); // without regard to case
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"Alpha", "beta", "gamma"}));
+  f.fSetSort(TMySearchRecSort::by_date); // newest first
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"beta", "gamma", "Alpha"}));
+  f.fSetSort(TMySearchRecSort::by_attr); // ascending
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"gamma", "Alpha", "beta"}));
+  f.fSetSort(TMySearchRecSort::by_size); // largest first
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"Alpha", "gamma", "beta"}));
+  f.SetCurrentSort(TMySearchRecSort::none); // keeps the order
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"Alpha", "gamma", "beta"}));
+  EXPECT_EQ(f.CurrentSort(), TMySearchRecSort::none);
+}
+
+TEST(FolderListing, SameSortTwiceDoesNotSortAgainAndAddingKeepsNoOrder) {
+  TFolderful f("/c");
+  f.AddAFile(Rec("b", 1));
+  f.AddAFile(Rec("a", 2));
+  f.fSetSort(TMySearchRecSort::by_size);
+  f.AddAFile(Rec("c", 100)); // appended at the end
+  f.fSetSort(TMySearchRecSort::by_size);
+  EXPECT_EQ(Names(f), (std::vector<std::string>{"a", "b", "c"}));
+  f.fSetASearchRec(Rec("d", 1000));
+  EXPECT_EQ(Names(f).back(), "d");
+}
+
+TEST(FolderListing, IndexedReads) {
+  TFolderful f("/corpus");
+  f.AddAFile(Rec("a.txt"));
+  f.AddAFile(Rec("/corpus/b.zip/c.txt", 0, 0, 0, 2));
+  EXPECT_FALSE(f.fGetIsZipfile(0));
+  EXPECT_TRUE(f.fGetIsZipfile(1));
+  EXPECT_EQ(f.fGetAFullname(0), "/corpus/a.txt");
+  EXPECT_EQ(f.fGetAFullname(1), "/corpus/b.zip/c.txt"); // already full
+  // Past the end: defaults, no error.
+  EXPECT_FALSE(f.fGetIsZipfile(2));
+  EXPECT_EQ(f.fGetAFullname(5), "");
+  EXPECT_EQ(f.fGetASearchRec(2).Name, "");
+  EXPECT_EQ(f.fGetASearchRec(2).ZipNumber, 0);
+  // Negative: the list's index error.
+  EXPECT_THROW(f.fGetIsZipfile(-1), EListError);
+  EXPECT_THROW(f.fGetAFullname(-1), EListError);
+  EXPECT_THROW(f.fGetASearchRec(-1), EListError);
+  // The list itself gives zeroed records on both sides.
+  EXPECT_EQ(f.fList->GetAMySearchRec(-1).Name, "");
+  EXPECT_EQ(f.fList->GetAMySearchRec(2).Name, "");
+}
+
+TEST(FolderListing, FillListWithNullEmptiesTheListing) {
+  TFolderful f("/c");
+  f.AddAFile(Rec("a"));
+  f.FillList(nullptr);
+  EXPECT_TRUE(f.fEmpty());
+}
+
+TEST(FolderListing, ListClearFreesHoldersAndLeavesNoSlot) {
+  TMySearchRecList list;
+  for (int i = 0; i < 100; ++i)
+    list.AddRec(Rec(std::to_string(i)));
+  list.Clear();
+  EXPECT_EQ(list.Count(), 0);
+  list.AddRec(Rec("again"));
+  EXPECT_EQ(list.GetAMySearchRec(0).Name, "again");
+} // the sanitizer run finds a holder that outlives its list
+
+} // namespace
+} // namespace kestrel
