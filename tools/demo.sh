@@ -14,6 +14,10 @@ echo
 echo "== kestrel search --whole-word --case-sensitive --json: 'KESTREL'"
 "$KESTREL" search --whole-word --case-sensitive --json KESTREL corpus/*.txt
 echo
+echo "== kestrel search --regex --case-sensitive: a capital (property 10, Lu) and small letters"
+echo "   at the start of a line"
+"$KESTREL" search --regex --case-sensitive --width 16 '^\p10[a-z]+' corpus/*.txt
+echo
 echo "== kestrel identify: stored-file heads of the suite's tools"
 heads=$(mktemp -d)
 trap 'rm -rf "$heads"' EXIT

@@ -6,8 +6,8 @@
 #include <bitset>
 #include <mutex>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
 #endif
 
 #include <kestrel/search/URESearch.h>
@@ -185,7 +185,8 @@ int32_t TURESearch::Decide(uint32_t Cur, UCS4 C) {
 }
 
 void TURESearch::ClearFastTables() {
-  FStartUnits.clear();
+  FStartLow.clear();
+  FStartSpan.clear();
   FStartUnitsKnown = false;
   FStartSkipsHigh = false;
   FStep.clear();
@@ -258,42 +259,103 @@ void TURESearch::FindStartUnits() {
     high = MayAcceptAbove255(
         DFA.SymbolTable.Symbols[DFA.TransitionList.Transitions[st.StartTransition + i].Symbol]);
   FStartSkipsHigh = !high;
-  std::vector<char16_t> units;
+  // The units that may begin a match, as ranges of consecutive units.
+  std::vector<uint16_t> low, span;
   for (UCS4 c = 0; c < 256; ++c) {
     int32_t target = FStep[c];
     if (target == Anchored && !high) // no anchor in the start state
       target = Decide(0, c);
-    if (target != NoTarget) units.push_back(char16_t(c));
+    if (target == NoTarget) continue;
+    if (!low.empty() && low.back() + span.back() + 1 == int(c)) {
+      ++span.back();
+    } else {
+      low.push_back(uint16_t(c));
+      span.push_back(0);
+    }
   }
-  if (units.size() <= 8) {
-    FStartUnits = std::move(units);
+  if (low.size() <= 8) {
+    FStartLow = std::move(low);
+    FStartSpan = std::move(span);
     FStartUnitsKnown = true;
   }
 }
 
+namespace {
+
+// Finds the first unit in one of the ranges [Low[i], Low[i] + Span[i]].
+using TStartFinder = const char16_t *(*)(const char16_t *, const char16_t *, const uint16_t *,
+                                         const uint16_t *, size_t);
+
+const char16_t *FindStartPlain(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                               const uint16_t *Span, size_t K) {
+  for (; Run < End; ++Run)
+    for (size_t i = 0; i < K; ++i)
+      if (uint16_t(*Run - Low[i]) <= Span[i]) return Run;
+  return End;
+}
+
+#if defined(__x86_64__) || defined(__i386__)
+const char16_t *FindStartSse2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                              const uint16_t *Span, size_t K) {
+  __m128i low[8], span[8];
+  for (size_t i = 0; i < K; ++i) {
+    low[i] = _mm_set1_epi16(short(Low[i]));
+    span[i] = _mm_set1_epi16(short(Span[i]));
+  }
+  const __m128i zero = _mm_setzero_si128();
+  while (End - Run >= 8) {
+    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run));
+    __m128i hit = zero;
+    for (size_t i = 0; i < K; ++i) // unit - low, saturated against the span, is 0 inside
+      hit = _mm_or_si128(hit,
+                         _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(v, low[i]), span[i]), zero));
+    if (int mask = _mm_movemask_epi8(hit)) return Run + (__builtin_ctz(unsigned(mask)) >> 1);
+    Run += 8;
+  }
+  return FindStartPlain(Run, End, Low, Span, K);
+}
+
+__attribute__((target("avx2"))) const char16_t *FindStartAvx2(const char16_t *Run,
+                                                              const char16_t *End,
+                                                              const uint16_t *Low,
+                                                              const uint16_t *Span, size_t K) {
+  __m256i low[8], span[8];
+  for (size_t i = 0; i < K; ++i) {
+    low[i] = _mm256_set1_epi16(short(Low[i]));
+    span[i] = _mm256_set1_epi16(short(Span[i]));
+  }
+  const __m256i zero = _mm256_setzero_si256();
+  while (End - Run >= 16) {
+    __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run));
+    __m256i hit = zero;
+    for (size_t i = 0; i < K; ++i)
+      hit = _mm256_or_si256(
+          hit, _mm256_cmpeq_epi16(_mm256_subs_epu16(_mm256_sub_epi16(v, low[i]), span[i]), zero));
+    if (unsigned mask = unsigned(_mm256_movemask_epi8(hit)))
+      return Run + (__builtin_ctz(mask) >> 1);
+    Run += 16;
+  }
+  return FindStartSse2(Run, End, Low, Span, K);
+}
+
+TStartFinder ChooseStartFinder() {
+  return __builtin_cpu_supports("avx2") ? FindStartAvx2 : FindStartSse2;
+}
+#else
+TStartFinder ChooseStartFinder() {
+  return FindStartPlain;
+}
+#endif
+
+const TStartFinder FindStart = ChooseStartFinder();
+
+} // namespace
+
 // The first unit from Run on that may begin a match, in the start state and
 // away from the first unit of the text; End if there is none.
 const char16_t *TURESearch::SkipToStart(const char16_t *Run, const char16_t *End) const {
-  if (FStartUnitsKnown && FStartSkipsHigh) {
-    const size_t k = FStartUnits.size();
-#if defined(__SSE2__)
-    __m128i want[8];
-    for (size_t i = 0; i < k; ++i)
-      want[i] = _mm_set1_epi16(short(FStartUnits[i]));
-    while (End - Run >= 8) {
-      __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run));
-      __m128i hit = _mm_setzero_si128();
-      for (size_t i = 0; i < k; ++i)
-        hit = _mm_or_si128(hit, _mm_cmpeq_epi16(v, want[i]));
-      if (int mask = _mm_movemask_epi8(hit)) return Run + (__builtin_ctz(unsigned(mask)) >> 1);
-      Run += 8;
-    }
-#endif
-    for (; Run < End; ++Run)
-      for (size_t i = 0; i < k; ++i)
-        if (*Run == FStartUnits[i]) return Run;
-    return End;
-  }
+  if (FStartUnitsKnown && FStartSkipsHigh)
+    return FindStart(Run, End, FStartLow.data(), FStartSpan.data(), FStartLow.size());
   while (Run < End) {
     char16_t u = *Run;
     if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh) return Run;
@@ -309,6 +371,20 @@ inline uint32_t DecisionSlot(uint32_t state, UCS4 c) {
 }
 
 } // namespace
+
+// The end of the text reached by an accepted character: the match holds if
+// the state accepts, or if its first `$` transition leads to a state that does.
+bool TURESearch::AcceptsAtEnd(uint32_t Cur) const {
+  const TDFAStates &states = DFA.StateList;
+  if (states.States[Cur].Accepting) return true;
+  const TDFAState &st = states.States[Cur];
+  for (uint32_t i = 0; i < st.NumberTransitions; ++i) {
+    const TTransition &tr = DFA.TransitionList.Transitions[st.StartTransition + i];
+    if (DFA.SymbolTable.Symbols[tr.Symbol].SymbolType == LineEndSymbol)
+      return states.States[tr.NextState].Accepting;
+  }
+  return false;
+}
 
 bool TURESearch::ExecuteURE(uint32_t Flags, const char16_t *Text, uint32_t TextLen,
                             uint32_t &MatchStart, uint32_t &MatchEnd) {
@@ -342,11 +418,46 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
   uint32_t ms = Unset, me = Unset, cur = 0;
   bool found = false;
 
+  const int32_t *const step = FStep.data();
   while (!found && run < end) {
-    if (skipStart && cur == 0 && ms == Unset && run != Text) {
-      // Units that fail in the start state only start the scan over.
-      run = SkipToStart(run, end);
-      if (run == end) break;
+    if (useStep && run != Text) {
+      // Units below 256 that are no line separator, away from the first unit
+      // of the text: the step table gives the transition that wins, and the
+      // rules below are applied as they stand.
+      if (skipStart && cur == 0 && ms == Unset) run = SkipToStart(run, end);
+      while (run < end) {
+        const char16_t u = *run;
+        if (u >= 256) break;
+        const int32_t t = step[cur * 256 + u];
+        if (t >= 0) {
+          if (ms == Unset)
+            ms = uint32_t(run - Text);
+          else
+            me = uint32_t(run + 1 - Text);
+          cur = uint32_t(t);
+          if (++run == end && AcceptsAtEnd(cur)) {
+            found = true;
+            me = uint32_t(run - Text);
+          }
+          continue;
+        }
+        if (t == Anchored) break;
+        if (states.States[cur].Accepting) {
+          found = true;
+          if (ms == Unset) {
+            ms = uint32_t(run - Text);
+            me = ms + 1;
+          } else if (me == Unset) {
+            me = uint32_t(run - Text);
+          }
+          break;
+        }
+        cur = 0;
+        ms = me = Unset;
+        ++run;
+        if (skipStart) run = SkipToStart(run, end);
+      }
+      if (found || run == end) break;
     }
     const char16_t *prev = run;
     UCS4 c = *run++;
@@ -381,23 +492,9 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
         ++run;
         if (run < end && c == 0x0D && *run == 0x0A) ++run;
       }
-      if (run >= end) {
-        if (states.States[cur].Accepting) {
-          found = true;
-          me = uint32_t(run - Text);
-        } else {
-          const TDFAState &st = states.States[cur];
-          for (uint32_t i = 0; i < st.NumberTransitions; ++i) {
-            const TTransition &tr = DFA.TransitionList.Transitions[st.StartTransition + i];
-            if (DFA.SymbolTable.Symbols[tr.Symbol].SymbolType != LineEndSymbol) continue;
-            cur = tr.NextState;
-            if (states.States[cur].Accepting) {
-              found = true;
-              me = uint32_t(run - Text);
-            }
-            break;
-          }
-        }
+      if (run >= end && AcceptsAtEnd(cur)) {
+        found = true;
+        me = uint32_t(run - Text);
       }
     } else {
       found = states.States[cur].Accepting;

@@ -274,6 +274,7 @@ private:
                          uint32_t &SymbolType);
   bool SymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS4 C) const;
   int32_t Decide(uint32_t Cur, UCS4 C);
+  bool AcceptsAtEnd(uint32_t Cur) const;
   template <bool Fast>
   bool Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, uint32_t &MatchStart,
             uint32_t &MatchEnd);
@@ -298,9 +299,10 @@ private:
   };
   std::vector<TDecisionCache> FDecisions;
   // Where a new attempt can begin: the units below 256 that do not fail in
-  // the start state when they are few, and whether every unit from 256 up
-  // fails there. The scan jumps over what cannot begin a match.
-  std::vector<char16_t> FStartUnits;
+  // the start state, as at most 8 ranges (first unit and length - 1), and
+  // whether every unit from 256 up fails there. The scan jumps over what
+  // cannot begin a match.
+  std::vector<uint16_t> FStartLow, FStartSpan;
   bool FStartUnitsKnown = false;
   bool FStartSkipsHigh = false;
   const char16_t *SkipToStart(const char16_t *Run, const char16_t *End) const;

@@ -26,7 +26,30 @@ namespace {
 
 // ---- Engine
 
+// --regex: the regular-expression engine, which knows only case folding; the
+// other flags would have no effect on it, so they are refused with it. A bad
+// pattern's message has its two lines broken for the terminal.
+std::unique_ptr<TSearchEngine> ChooseRegexEngine(const Args &args, const std::u16string &pattern) {
+  for (const char *option : {"ignore-marks", "compress-space", "whole-word"})
+    if (args.Has(option))
+      throw UsageError{std::string("--") + option + " does not go with --regex"};
+  TSearchFlags flags;
+  if (args.Has("case-sensitive")) flags.Include(TSearchFlag::sfCaseSensitive);
+  auto engine = std::make_unique<TURESearch>(nullptr);
+  try {
+    engine->FindPrepare(pattern, flags);
+  } catch (const EConvertError &) {
+    throw;
+  } catch (const Exception &e) {
+    std::string message = e.Message();
+    std::replace(message.begin(), message.end(), '\r', '\n');
+    throw Exception(message);
+  }
+  return engine;
+}
+
 std::unique_ptr<TSearchEngine> ChooseEngine(const Args &args, const std::u16string &pattern) {
+  if (args.Has("regex")) return ChooseRegexEngine(args, pattern);
   TSearchFlags flags;
   if (args.Has("case-sensitive")) flags.Include(TSearchFlag::sfCaseSensitive);
   if (args.Has("ignore-marks")) flags.Include(TSearchFlag::sfIgnoreNonSpacing);
@@ -244,8 +267,9 @@ uint32_t SearchOne(TSearchEngine &engine, const Input &input, const std::u16stri
 }
 
 int RunSearch(const Args &args) {
-  auto unknown = args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word",
-                               "width", "pattern-file", "encoding", "json", "files", "recursive"});
+  auto unknown =
+      args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
+                    "pattern-file", "encoding", "json", "files", "recursive", "regex"});
   if (!unknown.empty()) throw UsageError{"unknown option --" + unknown.front()};
   const TextEncoding encoding =
       args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
@@ -295,6 +319,8 @@ const CommandRegistration kSearch{Command{
     "  of archives are searched as texts. Each match shows file, line, column\n"
     "  (in characters, from 1), left context, the match and right context,\n"
     "  aligned on the match.\n"
+    "  --regex              the pattern is a regular expression (case folded unless\n"
+    "                       --case-sensitive; goes with no other flag of the engine)\n"
     "  --case-sensitive     compare characters exactly (default: case folded)\n"
     "  --ignore-marks       drop non-spacing marks from pattern and text\n"
     "  --compress-space     a run of white space counts as one blank\n"
