@@ -51,3 +51,7 @@ head_old ancient.lst "Word Lister"
 printf 'Just a text, no head at all.\n' >"$heads/notes.txt"
 (cd "$heads" && printf 'Marlow Batch file .cnc' | zip -q -z batch.zip lines.cnc)
 (cd "$heads" && "$KESTREL" identify words.lst lines.cnc keys.kws ancient.lst batch.zip notes.txt)
+echo
+echo "== kestrel convert: the German sample from UTF-16 to Windows-1252 and back to UTF-8"
+"$KESTREL" convert --from utf-16 --to 1252 corpus/markt-de.txt |
+  "$KESTREL" convert --from 1252 --to utf-8 | sed -n '3p'

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "files/ZipFixtures.h"
+#include "frame/ZipTestSupport.h"
 #include <kestrel/files/PeruseDir.h>
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/myKpSmall.h>
@@ -17,8 +17,8 @@
 namespace kestrel {
 namespace {
 
-using test::MakeZip;
 using test::TempDir;
+using test::WriteZip;
 
 constexpr int32_t kAnyFile = 0x3F;
 
@@ -57,7 +57,7 @@ struct SmallCorpus {
   std::string root = IncludeTrailingPathDelimiter(dir.Path());
   SmallCorpus() {
     dir.WriteFile("a.txt", "alpha text");
-    MakeZip(dir / "b.zip", {{"x.dat", "refused by the member masks"}, {"sub/c.txt", "gamma"}});
+    WriteZip(dir / "b.zip", {{"x.dat", "refused by the member masks"}, {"sub/c.txt", "gamma"}});
   }
 };
 
@@ -156,8 +156,8 @@ TEST(PeruseDirScan, MasksAreNotMergedAndTrailingSemicolonFindsNothingMore) {
 
 TEST(PeruseDirScan, ZipSearchPatternFollowsTheFileMasks) {
   TempDir dir;
-  MakeZip(dir / "alpha.zip", {{"m.txt", "m"}});
-  MakeZip(dir / "beta.zip", {{"m.txt", "m"}});
+  WriteZip(dir / "alpha.zip", {{"m.txt", "m"}});
+  WriteZip(dir / "beta.zip", {{"m.txt", "m"}});
   struct Case {
     const char *fileMasks;
     int32_t zipsRead;
@@ -176,7 +176,7 @@ TEST(PeruseDirScan, ZipSearchPatternFollowsTheFileMasks) {
 TEST(PeruseDirScan, DamagedArchiveIsSkippedAndTheScanGoesOn) {
   TempDir dir;
   dir.WriteFile("a-damaged.zip", "PK\x03\x04 this is not really an archive at all");
-  MakeZip(dir / "b-good.zip", {{"m.txt", "m"}});
+  WriteZip(dir / "b-good.zip", {{"m.txt", "m"}});
   dir.WriteFile("c.txt", "c");
   TPeruseDir p("*.txt", "*", "*", true, false, kAnyFile);
   Recorder r;
@@ -190,7 +190,7 @@ TEST(PeruseDirScan, DamagedArchiveIsSkippedAndTheScanGoesOn) {
 
 TEST(PeruseDirScan, StoredPathsAreKeptAsTheyStand) {
   TempDir dir;
-  MakeZip(dir / "odd.zip", {{"../escape.txt", "e"}, {"deep/er/f.txt", "f"}, {"folder/", ""}});
+  WriteZip(dir / "odd.zip", {{"../escape.txt", "e"}, {"deep/er/f.txt", "f"}, {"folder/", ""}});
   TPeruseDir p("*.txt", "*", "*", true, false, kAnyFile);
   std::unique_ptr<TMySearchRecList> list(p.ListofAllFilesIn(dir.Path()));
   ASSERT_NE(list, nullptr);
@@ -217,8 +217,8 @@ TEST(PeruseDirScan, CarryOnStopsEachMaskAfterItsCurrentMatch) {
 
 TEST(PeruseDirScan, AnArchiveOnceOpenedIsListedToItsEnd) {
   TempDir dir;
-  MakeZip(dir / "a.zip", {{"1.txt", "1"}, {"2.txt", "2"}, {"3.txt", "3"}});
-  MakeZip(dir / "b.zip", {{"4.txt", "4"}});
+  WriteZip(dir / "a.zip", {{"1.txt", "1"}, {"2.txt", "2"}, {"3.txt", "3"}});
+  WriteZip(dir / "b.zip", {{"4.txt", "4"}});
   TPeruseDir p("*.txt", "*", "*", true, false, kAnyFile);
   Recorder r;
   r.Attach(p);

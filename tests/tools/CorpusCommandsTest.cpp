@@ -9,13 +9,13 @@
 #include <sys/wait.h>
 
 #include "TestSupport.h"
-#include "files/ZipFixtures.h"
+#include "frame/ZipTestSupport.h"
 #include <kestrel/vocabulary/WdefStoredFiles.h>
 
 namespace {
 
-using kestrel::test::MakeZip;
 using kestrel::test::TempDir;
+using kestrel::test::WriteZip;
 
 struct Result {
   int status;
@@ -51,7 +51,7 @@ struct Corpus {
     std::string utf16 = "\xFF\xFE";
     for (char c : std::string("one kestrel in a member\n"))
       utf16 += std::string{c, '\0'};
-    MakeZip(dir / "c.zip", {{"readme.doc", "no text"}, {"d/", ""}, {"d/e.txt", utf16}});
+    WriteZip(dir / "c.zip", {{"readme.doc", "no text"}, {"d/", ""}, {"d/e.txt", utf16}});
   }
 };
 
@@ -95,7 +95,7 @@ TEST(IdentifyCommand, SaysKindToolExtensionAndFormat) {
   dir.WriteFile("w.lst", Head32(37, "Word List32"));
   dir.WriteFile("k.kws", Head32(36, "Key Word List32"));
   dir.WriteFile("plain.txt", "just words");
-  MakeZip(dir / "b.zip", {{"one.cnc", "x"}}, "Marlow Batch file .cnc");
+  WriteZip(dir / "b.zip", {{"one.cnc", "x"}}, "Marlow Batch file .cnc");
   Result r = RunKestrel("identify " + dir / "w.lst" + " " + dir / "k.kws" + " " +
                         dir / "plain.txt" + " " + dir / "b.zip");
   ASSERT_EQ(r.status, 0) << r.out;

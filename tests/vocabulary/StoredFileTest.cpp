@@ -5,7 +5,7 @@
 #include <string>
 
 #include "TestSupport.h"
-#include "files/ZipFixtures.h"
+#include "frame/ZipTestSupport.h"
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/vocabulary/Vocabulary.h>
 
@@ -39,6 +39,15 @@ std::string OlderHead(uint8_t count, std::string_view text, bool zeroAt1 = false
   bytes.append(text);
   bytes.resize(41, '\0');
   return bytes + std::string(extra, 'd');
+}
+
+// An archive with no entries: only the end record, with the comment.
+std::string EmptyZipBytes(const std::string &comment) {
+  std::string bytes("PK\x05\x06", 4);
+  bytes.append(16, '\0');
+  bytes.push_back(static_cast<char>(comment.size() & 0xFF));
+  bytes.push_back(static_cast<char>(comment.size() >> 8));
+  return bytes + comment;
 }
 
 struct Answer {
@@ -199,7 +208,7 @@ TEST(StoredFileAny, AFolderIsNoStoredFile) {
 
 TEST(BatchZip, CommentNamesTheKind) {
   TempDir dir;
-  using test::MakeZip;
+  using test::WriteZip;
   struct Case {
     const char *name, *comment;
     bool result;
@@ -218,7 +227,7 @@ TEST(BatchZip, CommentNamesTheKind) {
   for (const Case &c : cases) {
     SCOPED_TRACE(c.name);
     const std::string path = dir / (std::string(c.name) + ".zip");
-    MakeZip(path, {{"one.cnc", "1"}, {"two.cnc", "2"}}, c.comment);
+    WriteZip(path, {{"one.cnc", "1"}, {"two.cnc", "2"}}, c.comment);
     const Answer a = Ask(path, IsABatchZipFileForListType);
     EXPECT_EQ(a.result, c.result);
     EXPECT_EQ(a.kind, c.kind);
@@ -228,7 +237,7 @@ TEST(BatchZip, CommentNamesTheKind) {
 
 TEST(BatchZip, EmptyArchiveAndForeignFiles) {
   TempDir dir;
-  dir.WriteFile("empty.zip", test::EmptyZipBytes("Marlow Batch file .cnc"));
+  dir.WriteFile("empty.zip", EmptyZipBytes("Marlow Batch file .cnc"));
   Answer a = Ask(dir / "empty.zip", IsABatchZipFileForListType);
   EXPECT_FALSE(a.result);
   EXPECT_EQ(a.kind, none_in_use);

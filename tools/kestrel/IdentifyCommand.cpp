@@ -68,11 +68,9 @@ struct Verdict {
   std::string note;
 };
 
-const char *ToolLabel(tool_type t) {
+std::string ToolLabel(tool_type t) {
   const std::string name = Tool_Name(t);
-  static std::string keep;
-  keep = name.empty() ? GetShortToolFilename(t) : name;
-  return keep.c_str();
+  return name.empty() ? GetShortToolFilename(t) : name;
 }
 
 // Runs the three head tests as one tool would.
@@ -141,7 +139,7 @@ Verdict Judge(const std::string &file, std::optional<tool_type> given) {
       const tool_type owner = ToolTypeFromListType(v.kind);
       Verdict asOwner = JudgeAs(file, owner);
       if (asOwner.status == Status::unrecognised) {
-        asOwner.note = std::string("its format is newer than ") + ToolLabel(owner) + " writes";
+        asOwner.note = "its format is newer than " + ToolLabel(owner) + " writes";
         asOwner.formatNumber = FormatNumber(file);
       }
       asOwner.kind = v.kind;
