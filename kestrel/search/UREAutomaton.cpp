@@ -4,7 +4,7 @@
 // into the flat tables that the matcher runs.
 #include <algorithm>
 #include <cstring>
-#include <map>
+#include <unordered_map>
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
@@ -371,41 +371,40 @@ bool TURESearch::StatesDiffer(uint32_t A, uint32_t B) const {
 
 namespace {
 
-// The classes of states that no walk of the merge can tell apart: states with
-// the same acceptance, the same symbols in the same order and targets in the
-// same classes, refined until stable. A walk from a pair of states in
-// different classes always meets a pair that differs, so such a pair needs no
-// walk; a pair in one class always merges.
-std::vector<uint32_t> AlikeClasses(const TStateTable &table, uint64_t &work) {
+inline uint64_t Mix(uint64_t h, uint64_t v) {
+  h ^= v + 0x9E3779B97F4A7C15ull + (h << 6) + (h >> 2);
+  h ^= h >> 31;
+  return h * 0xBF58476D1CE4E5B9ull;
+}
+
+// Classes of states such that a walk of the merge from two states of
+// different classes always meets a pair that differs: states are split by
+// acceptance, by their symbols in order and by the classes of their targets,
+// until the number of classes stays. The signatures are hashed, so a class may
+// hold states that differ (their walk then fails), but never splits states
+// that behave alike. Spend is asked for each round's work; an empty result
+// means it refused.
+template <typename SpendFn>
+std::vector<uint32_t> AlikeClasses(const TStateTable &table, SpendFn spend) {
   const uint32_t n = table.StatesUsed;
-  std::vector<uint32_t> cls(n), next(n);
-  std::map<std::vector<uint32_t>, uint32_t> ids;
-  std::vector<uint32_t> sig;
-  auto signature = [&](uint32_t s, bool withTargets) {
-    const TState &st = table.States[s];
-    sig.assign({st.Accepting ? 1u : 0u, uint32_t(st.TransitionsUsed)});
-    if (withTargets) sig.push_back(cls[s]);
-    for (int32_t t = 0; t < st.TransitionsUsed; ++t) {
-      sig.push_back(st.Transitions[t].LHS);
-      if (withTargets) sig.push_back(cls[st.Transitions[t].RHS]);
-    }
-    work += sig.size();
-  };
-  for (uint32_t s = 0; s < n; ++s) {
-    signature(s, false);
-    cls[s] = ids.emplace(sig, uint32_t(ids.size())).first->second;
-  }
-  size_t count = ids.size();
-  for (;;) {
+  std::vector<uint32_t> cls(n, 0), next(n);
+  std::unordered_map<uint64_t, uint32_t> ids;
+  size_t count = 1;
+  for (uint32_t round = 0; round <= n; ++round) {
+    if (!spend(uint64_t(n) * 4)) return {};
     ids.clear();
     for (uint32_t s = 0; s < n; ++s) {
-      signature(s, true);
-      next[s] = ids.emplace(sig, uint32_t(ids.size())).first->second;
+      const TState &st = table.States[s];
+      uint64_t h = Mix(Mix(cls[s], st.Accepting), uint64_t(st.TransitionsUsed));
+      for (int32_t t = 0; t < st.TransitionsUsed; ++t)
+        h = Mix(Mix(h, st.Transitions[t].LHS), cls[st.Transitions[t].RHS]);
+      next[s] = ids.emplace(h, uint32_t(ids.size())).first->second;
     }
     cls.swap(next);
-    if (ids.size() == count) return cls;
+    if (round > 0 && ids.size() == count) break;
     count = ids.size();
   }
+  return cls;
 }
 
 } // namespace
@@ -413,9 +412,9 @@ std::vector<uint32_t> AlikeClasses(const TStateTable &table, uint64_t &work) {
 void TURESearch::MergeEquivalents() {
   TUREBuffer &b = UREBuffer;
   const uint32_t n = b.States.StatesUsed;
-  uint64_t work = 0;
-  const std::vector<uint32_t> cls = AlikeClasses(b.States, work);
-  if (!SpendWork(work)) {
+  const std::vector<uint32_t> cls =
+      AlikeClasses(b.States, [this](uint64_t units) { return SpendWork(units); });
+  if (cls.size() != n) {
     b.Error = ErrTooLarge;
     return;
   }
