@@ -315,10 +315,10 @@ const char16_t *FindStartSse2(const char16_t *Run, const char16_t *End, const ui
   return FindStartPlain(Run, End, Low, Span, K);
 }
 
-__attribute__((target("avx2"))) const char16_t *FindStartAvx2(const char16_t *Run,
-                                                              const char16_t *End,
-                                                              const uint16_t *Low,
-                                                              const uint16_t *Span, size_t K) {
+__attribute__((target("avx2"))) const char16_t *FindStartAvx2Any(const char16_t *Run,
+                                                                 const char16_t *End,
+                                                                 const uint16_t *Low,
+                                                                 const uint16_t *Span, size_t K) {
   __m256i low[8], span[8];
   for (size_t i = 0; i < K; ++i) {
     low[i] = _mm256_set1_epi16(short(Low[i]));
@@ -336,6 +336,46 @@ __attribute__((target("avx2"))) const char16_t *FindStartAvx2(const char16_t *Ru
     Run += 16;
   }
   return FindStartSse2(Run, End, Low, Span, K);
+}
+
+// A few ranges known at compile time stay in registers.
+template <size_t K>
+__attribute__((target("avx2"))) const char16_t *
+FindStartAvx2K(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+               const uint16_t *Span) {
+  __m256i low[K], span[K];
+  for (size_t i = 0; i < K; ++i) {
+    low[i] = _mm256_set1_epi16(short(Low[i]));
+    span[i] = _mm256_set1_epi16(short(Span[i]));
+  }
+  const __m256i zero = _mm256_setzero_si256();
+  while (End - Run >= 16) {
+    __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run));
+    __m256i hit = zero;
+    for (size_t i = 0; i < K; ++i)
+      hit = _mm256_or_si256(
+          hit, _mm256_cmpeq_epi16(_mm256_subs_epu16(_mm256_sub_epi16(v, low[i]), span[i]), zero));
+    if (unsigned mask = unsigned(_mm256_movemask_epi8(hit)))
+      return Run + (__builtin_ctz(mask) >> 1);
+    Run += 16;
+  }
+  return FindStartSse2(Run, End, Low, Span, K);
+}
+
+const char16_t *FindStartAvx2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                              const uint16_t *Span, size_t K) {
+  switch (K) {
+  case 1:
+    return FindStartAvx2K<1>(Run, End, Low, Span);
+  case 2:
+    return FindStartAvx2K<2>(Run, End, Low, Span);
+  case 3:
+    return FindStartAvx2K<3>(Run, End, Low, Span);
+  case 4:
+    return FindStartAvx2K<4>(Run, End, Low, Span);
+  default:
+    return FindStartAvx2Any(Run, End, Low, Span, K);
+  }
 }
 
 // Chosen while the library loads, before the CPU model may have been read.
