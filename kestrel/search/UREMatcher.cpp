@@ -315,35 +315,13 @@ const char16_t *FindStartSse2(const char16_t *Run, const char16_t *End, const ui
   return FindStartPlain(Run, End, Low, Span, K);
 }
 
-__attribute__((target("avx2"))) const char16_t *FindStartAvx2Any(const char16_t *Run,
-                                                                 const char16_t *End,
-                                                                 const uint16_t *Low,
-                                                                 const uint16_t *Span, size_t K) {
-  __m256i low[8], span[8];
-  for (size_t i = 0; i < K; ++i) {
-    low[i] = _mm256_set1_epi16(short(Low[i]));
-    span[i] = _mm256_set1_epi16(short(Span[i]));
-  }
-  const __m256i zero = _mm256_setzero_si256();
-  while (End - Run >= 16) {
-    __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run));
-    __m256i hit = zero;
-    for (size_t i = 0; i < K; ++i)
-      hit = _mm256_or_si256(
-          hit, _mm256_cmpeq_epi16(_mm256_subs_epu16(_mm256_sub_epi16(v, low[i]), span[i]), zero));
-    if (unsigned mask = unsigned(_mm256_movemask_epi8(hit)))
-      return Run + (__builtin_ctz(mask) >> 1);
-    Run += 16;
-  }
-  return FindStartSse2(Run, End, Low, Span, K);
-}
-
-// A few ranges known at compile time stay in registers.
-template <size_t K>
+// Up to Cap ranges stay in registers; with Cap known at compile time for a
+// few ranges the loop over them unrolls.
+template <size_t Cap>
 __attribute__((target("avx2"))) const char16_t *
-FindStartAvx2K(const char16_t *Run, const char16_t *End, const uint16_t *Low,
-               const uint16_t *Span) {
-  __m256i low[K], span[K];
+FindStartAvx2K(const char16_t *Run, const char16_t *End, const uint16_t *Low, const uint16_t *Span,
+               size_t K = Cap) {
+  __m256i low[Cap], span[Cap];
   for (size_t i = 0; i < K; ++i) {
     low[i] = _mm256_set1_epi16(short(Low[i]));
     span[i] = _mm256_set1_epi16(short(Span[i]));
@@ -374,7 +352,7 @@ const char16_t *FindStartAvx2(const char16_t *Run, const char16_t *End, const ui
   case 4:
     return FindStartAvx2K<4>(Run, End, Low, Span);
   default:
-    return FindStartAvx2Any(Run, End, Low, Span, K);
+    return FindStartAvx2K<8>(Run, End, Low, Span, K);
   }
 }
 

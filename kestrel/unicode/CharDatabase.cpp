@@ -139,22 +139,14 @@ TUnicodeNumber UnicodeGetNumber(UCS4 Code) {
   const TNumberTable &t = NumberTable();
   const uint32_t *nodes = t.NumberNodes.data();
   // Bisection on even indexes over complete (code, index) pairs.
-  int64_t l = 0, r = int64_t(t.NumberNodes.size() & ~size_t(1)) - 1;
-  while (l <= r) {
-    int64_t m = (l + r) >> 1;
-    m -= m & 1;
-    if (Code > nodes[m])
-      l = m + 2;
-    else if (Code < nodes[m])
-      r = m - 2;
-    else {
-      uint64_t i = nodes[m + 1];
-      const auto &values = t.NumberValues;
-      // Words past the end of the values read as 0.
-      int32_t numerator = i < values.size() ? values[i] : 0;
-      int32_t denominator = i + 1 < values.size() ? values[i + 1] : 0;
-      return {numerator, denominator};
-    }
+  int64_t m = FindCodePair(nodes, int64_t(t.NumberNodes.size() & ~size_t(1)) - 1, Code);
+  if (m >= 0) {
+    uint64_t i = nodes[m + 1];
+    const auto &values = t.NumberValues;
+    // Words past the end of the values read as 0.
+    int32_t numerator = i < values.size() ? values[i] : 0;
+    int32_t denominator = i + 1 < values.size() ? values[i + 1] : 0;
+    return {numerator, denominator};
   }
   return {UnicodeNoNumber, UnicodeNoNumber};
 }

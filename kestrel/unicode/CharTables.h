@@ -121,6 +121,23 @@ inline const TNumberTable &NumberTable() {
   return t ? *t : LoadNumberTable();
 }
 
+// Bisects a flat array of (code, value) pairs on even indexes, from 0 to
+// Last, for the pair whose code is Code: its index (even), or -1.
+inline int64_t FindCodePair(const uint32_t *Nodes, int64_t Last, UCS4 Code) {
+  int64_t l = 0, r = Last;
+  while (l <= r) {
+    int64_t m = (l + r) >> 1;
+    m -= m & 1;
+    if (Code > Nodes[m])
+      l = m + 2;
+    else if (Code < Nodes[m])
+      r = m - 2;
+    else
+      return m;
+  }
+  return -1;
+}
+
 // Whether Code lies in one of the ranges of property n of a loaded table.
 // The pairs are sorted and disjoint, so the last pair whose first code is not
 // above Code is the only one that can hold it. The bisection has no branch

@@ -28,20 +28,7 @@ int64_t RowsOf(const TDecompositionTable &t) {
 // The row of Code in the node area (its index, even), or -1. Bisection on
 // even indexes, as the rows are pairs of code and offset.
 int64_t FindRow(const TDecompositionTable &t, UCS4 code) {
-  int64_t rows = RowsOf(t);
-  int64_t l = 0, r = 2 * rows - 2;
-  const uint32_t *nodes = t.DecompositionNodes.data();
-  while (l <= r) {
-    int64_t m = (l + r) >> 1;
-    m -= m & 1;
-    if (code > nodes[m])
-      l = m + 2;
-    else if (code < nodes[m])
-      r = m - 2;
-    else
-      return m;
-  }
-  return -1;
+  return FindCodePair(t.DecompositionNodes.data(), 2 * RowsOf(t) - 2, code);
 }
 
 // Gives each element of Code's decomposition to out, in order.
