@@ -7,6 +7,7 @@
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/Filer.h>
 #include <kestrel/frame/host/FindFile.h>
+#include <kestrel/frame/host/IniFiles.h>
 #include <kestrel/frame/host/Masks.h>
 #include <kestrel/frame/host/SyncObjs.h>
 #include <kestrel/frame/host/SysUtils.h>

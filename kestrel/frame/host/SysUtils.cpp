@@ -1,5 +1,6 @@
 #include <kestrel/frame/host/SysUtils.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <charconv>
@@ -7,11 +8,14 @@
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
 
 #include <kestrel/frame/host/Consts.h>
+#include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/Platform.h>
+#include <kestrel/frame/platform/Resources.h>
 
 namespace kestrel {
 
@@ -247,6 +251,38 @@ void RaiseLastOSError(int32_t lastError) {
   if (lastError != 0)
     throw EOSError(Format(Consts::SOSError, lastError, std::strerror(lastError)), lastError);
   throw EOSError(Consts::SUnkOSError, 0);
+}
+
+int64_t DiskFree(uint8_t drive) {
+  std::string folder;
+  if (drive == 0) {
+    folder = GetCurrentDir();
+  } else if (drive <= 26) {
+    folder = DriveRoot(static_cast<char>('A' + drive - 1));
+  }
+  struct statvfs vfs;
+  if (folder.empty() || ::statvfs(folder.c_str(), &vfs) != 0) return -1;
+  return static_cast<int64_t>(vfs.f_bavail) * static_cast<int64_t>(vfs.f_frsize);
+}
+
+std::string AnsiStringFromWide(std::u16string_view text) {
+  if (text.empty()) return {};
+  const int32_t units = static_cast<int32_t>(text.size());
+  int32_t size = WideCharToMultiByte(CP_ACP, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(std::max(size, 0)), '\0');
+  if (size > 0)
+    WideCharToMultiByte(CP_ACP, 0, text.data(), units, bytes.data(), size, nullptr, nullptr);
+  return bytes;
+}
+
+std::string LoadResString(uint16_t ident) {
+  std::string text;
+  FindStringResource(KestrelModuleHandle(), ident, text);
+  return text;
+}
+
+std::string LoadResString(const TResStringRec *rec) {
+  return rec ? LoadResString(rec->Identifier) : std::string();
 }
 
 } // namespace kestrel

@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/frame/host/Types.h>
 
 namespace kestrel {
 
@@ -58,5 +60,65 @@ int32_t GetLastOSError();
 
 // The running program's full file name.
 std::string ParamStr0();
+
+// Free bytes on a drive: 0 is the current folder's, 1 is A:, 2 is B: and so
+// on through the platform's drive table; -1 for a letter with no mapping or a
+// volume that cannot be asked.
+int64_t DiskFree(uint8_t drive);
+
+// A wide string in the system code page (the host's implicit conversion).
+std::string AnsiStringFromWide(std::u16string_view text);
+
+// ---- The module's string table ----------------------------------------------
+
+// A string resource of the module, named by its identifier.
+struct TResStringRec {
+  uint16_t Identifier;
+};
+// The text of an identifier in the module's string table; empty for an unknown one.
+std::string LoadResString(uint16_t ident);
+std::string LoadResString(const TResStringRec *rec);
+
+// ---- Text forms of numbers, dates and Booleans ------------------------------
+//
+// The host's default forms on this platform, the same for every user: "." is
+// the decimal separator and "," the thousands separator; a date reads
+// "yyyy-mm-dd", a time "hh:nn:ss" (24 hours), a date-time the two with a blank
+// between.
+
+// 15 significant digits, without trailing zeros; an exponent ("1.5E20",
+// "1E-7") when the number has more than 15 integer digits or is below 1E-5.
+std::string FloatToStr(double value);
+// Decimal text with an optional sign, fraction and exponent, blanks around it
+// allowed; raises EConvertError for anything else (including INF and NAN).
+double StrToFloat(std::string_view text);
+bool TryStrToFloat(std::string_view text, double &value);
+// The host's picture format: "0" and "#" digit places, "." the decimal point,
+// "," anywhere turns on thousands separators, "E+"/"E-" an exponent, quoted
+// text as it stands; up to three sections for positive, negative and zero
+// values, separated by ";". An empty format gives FloatToStr.
+std::string FormatFloat(std::string_view format, double value);
+
+std::string DateToStr(TDateTime date);
+std::string TimeToStr(TDateTime time);
+// The date, then the time unless it is exactly midnight.
+std::string DateTimeToStr(TDateTime dateTime);
+// The forms above; a date also with "/" and a time without seconds or with
+// milliseconds. Raise EConvertError for anything else.
+TDateTime StrToDate(std::string_view text);
+TDateTime StrToTime(std::string_view text);
+TDateTime StrToDateTime(std::string_view text);
+bool TryStrToDate(std::string_view text, TDateTime &date);
+bool TryStrToTime(std::string_view text, TDateTime &time);
+bool TryStrToDateTime(std::string_view text, TDateTime &dateTime);
+
+// The word lists of the Boolean conversions; empty lists stand for "True" and
+// "False". Compared without regard to case; a number is true when it is not 0.
+extern std::vector<std::string> TrueBoolStrs;
+extern std::vector<std::string> FalseBoolStrs;
+bool TryStrToBool(std::string_view text, bool &value);
+bool StrToBool(std::string_view text); // raises EConvertError
+// "-1" and "0", or the first words of the lists.
+std::string BoolToStr(bool value, bool useBoolStrs = false);
 
 } // namespace kestrel

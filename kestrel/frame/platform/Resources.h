@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <string>
 
 #include <kestrel/frame/host/Types.h>
@@ -28,5 +30,28 @@ ResourceBlob ReplaceResourceBlob(const std::string &name, const std::string &typ
 struct ResourceRegistration {
   ResourceRegistration(const char *name, const char *type, const unsigned char *data, size_t size);
 };
+
+// ---- The string table ----------------------------------------------------
+
+// One entry of the module's string table.
+struct StringResource {
+  uint16_t ident;
+  const char *text;
+};
+
+// A static instance adds a unit's entries to the module's string table at
+// load. An identifier stands once in the table: when a second unit brings the
+// same one, the first text stays and the clash is kept for DuplicateStringIds.
+struct StringTableRegistration {
+  StringTableRegistration(std::initializer_list<StringResource> entries);
+};
+
+// The text of an identifier in the module's string table; false when the
+// module has no such string.
+bool FindStringResource(HMODULE module, uint16_t ident, std::string &text);
+
+// Identifiers that more than one entry claimed (a build fault; tests check
+// that there are none).
+std::string DuplicateStringIds();
 
 } // namespace kestrel
