@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include <kestrel/frame/host/SysUtils.h> // LoadResString, for the texts below
 #include <kestrel/search/SearchEngine.h>
 
 namespace kestrel {
@@ -80,11 +81,10 @@ inline constexpr uint16_t SUREBadProperty = 65524;
 inline constexpr uint16_t SUREBadRange = 65525;
 inline constexpr uint16_t SURERangeOpen = 65526;
 inline constexpr uint16_t SUREExpressionEmpty = 65527;
-inline constexpr uint16_t SURENoOperand = 65528;
-inline constexpr uint16_t SURETooLarge = 65529;
-
-// The text of a string-table identifier; empty for an unknown one.
-std::string LoadResString(uint16_t Ident);
+// Our own two texts stand outside the identifiers that others hold (65528 and
+// 65529 are the ini file's YES and NO).
+inline constexpr uint16_t SURENoOperand = 65530;
+inline constexpr uint16_t SURETooLarge = 65531;
 
 struct TRange {
   UCS4 Low = 0;

@@ -1,17 +1,13 @@
-// The string table of the regular-expression texts, one entry per identifier.
+// The regular-expression texts in the module's string table.
+#include <kestrel/frame/platform/Resources.h>
 #include <kestrel/search/URESearch.h>
 
 namespace kestrel {
 namespace {
 
-struct TStringTableEntry {
-  uint16_t Ident;
-  const char *Text;
-};
-
 // 65520 ends with one carriage return, so that the fault's text follows on a
 // line of its own.
-constexpr TStringTableEntry UREStringTable[] = {
+const StringTableRegistration kUREStrings({
     {SUREErrorPrefix, "Error in regular expression: %s\r"},
     {SUREUnexpectedEnd, "Unexpected end of pattern."},
     {SUREClassOpen, "Character class not closed, ']' is missing."},
@@ -24,14 +20,7 @@ constexpr TStringTableEntry UREStringTable[] = {
                     "group at the start."},
     {SURETooLarge, "Expression too large: a repetition bound is too high or the automaton "
                    "would need too many states."},
-};
+});
 
 } // namespace
-
-std::string LoadResString(uint16_t Ident) {
-  for (const TStringTableEntry &e : UREStringTable)
-    if (e.Ident == Ident) return e.Text;
-  return {};
-}
-
 } // namespace kestrel
