@@ -39,6 +39,29 @@ LCID LCIDFromPosixLocale(const std::string &name);
 bool LocaleNameFromLCID(LCID locale, std::string &name);
 bool IsKnownLCID(LCID locale);
 
+// ---- The system's locales ---------------------------------------------------
+inline constexpr uint32_t LCID_INSTALLED = 0x01;
+inline constexpr uint32_t LCID_SUPPORTED = 0x02;
+inline constexpr uint32_t LCID_ALTERNATE_SORTS = 0x04;
+
+// Called with a locale identifier as eight upper-case hexadecimal digits
+// ("00000409"); returning 0 ends the enumeration.
+using LOCALE_ENUMPROCA = int32_t (*)(char *localeString);
+
+// Calls the callback for each locale of the system, in ascending order of
+// identifier. The locales are those of ICU's locale data that have a Windows
+// identifier of a language in a country (no neutral ones); LCID_SUPPORTED
+// gives all of them, LCID_INSTALLED those that IsValidLocale finds installed,
+// LCID_ALTERNATE_SORTS their alternative sort orders (0x00010407, German
+// phone-book order, say). False for a null callback or flags other than one
+// of the first two, alone or with the third.
+bool EnumSystemLocalesA(LOCALE_ENUMPROCA proc, uint32_t flags);
+
+// LCID_SUPPORTED: the identifier is known (LocaleNameFromLCID). LCID_INSTALLED:
+// it is known and ICU carries data for that locale itself, not only for its
+// language. Any other flag gives false.
+bool IsValidLocale(LCID locale, uint32_t flags);
+
 // ---- Locale data ----------------------------------------------------------
 inline constexpr LCTYPE LOCALE_SABBREVLANGNAME = 0x0003;
 inline constexpr LCTYPE LOCALE_IDEFAULTCODEPAGE = 0x000B;

@@ -2,9 +2,12 @@
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/NlsInternal.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string_view>
+#include <vector>
 
 #include <unicode/ucurr.h>
 #include <unicode/uloc.h>
@@ -118,6 +121,92 @@ bool LocaleNameFromLCID(LCID locale, std::string &name) {
 bool IsKnownLCID(LCID locale) {
   std::string name;
   return LocaleNameFromLCID(locale, name);
+}
+
+// ---- The system's locales -----------------------------------------------------
+
+namespace {
+
+// The name of an identifier that stands for a language in a country.
+bool IsCountryLocale(LCID lcid) {
+  std::string name;
+  return lcid != 0 && LocaleNameFromLCID(lcid, name) && !Part(name, uloc_getCountry).empty();
+}
+
+// The identifier of one of ICU's available locales: the name's own, else
+// that of its likely full form ("ha" -> "ha_Latn_NG"), else that of its
+// language in its country ("pa_Guru_IN" -> "pa_IN"); 0 when none is a
+// language in a country.
+LCID CountryLCIDOf(const char *available) {
+  LCID lcid = uloc_getLCID(available);
+  if (IsCountryLocale(lcid)) return lcid;
+  const std::string full = Likely(available);
+  lcid = uloc_getLCID(full.c_str());
+  if (IsCountryLocale(lcid)) return lcid;
+  const std::string plain = Part(full, uloc_getLanguage) + "_" + Part(full, uloc_getCountry);
+  lcid = uloc_getLCID(plain.c_str());
+  return IsCountryLocale(lcid) ? lcid : 0;
+}
+
+struct SystemLocales {
+  std::vector<LCID> supported;       // ascending, each once
+  std::set<std::string> dataLocales; // likely full forms of ICU's available locales
+};
+
+// Gathered once; ICU's data does not change while the process runs.
+const SystemLocales &Locales() {
+  static const SystemLocales locales = [] {
+    SystemLocales all;
+    std::set<LCID> found;
+    for (int32_t i = 0, n = uloc_countAvailable(); i < n; ++i) {
+      const char *name = uloc_getAvailable(i);
+      all.dataLocales.insert(Likely(name));
+      if (LCID lcid = CountryLCIDOf(name)) found.insert(lcid);
+    }
+    all.supported.assign(found.begin(), found.end());
+    return all;
+  }();
+  return locales;
+}
+
+// Alternative sorts carry a sort number in bits 16 to 19 and stand in ICU's
+// table under a collation keyword.
+std::vector<LCID> AlternateSorts() {
+  std::vector<LCID> sorts;
+  for (LCID base : Locales().supported)
+    for (LCID sortId = 1; sortId <= 0xF; ++sortId) {
+      const LCID lcid = (sortId << 16) | base;
+      char out[ULOC_FULLNAME_CAPACITY] = "";
+      UErrorCode err = U_ZERO_ERROR;
+      uloc_getLocaleForLCID(lcid, out, sizeof out, &err);
+      if (U_SUCCESS(err) && std::strchr(out, '@') && uloc_getLCID(out) == lcid)
+        sorts.push_back(lcid);
+    }
+  return sorts;
+}
+
+} // namespace
+
+bool IsValidLocale(LCID locale, uint32_t flags) {
+  std::string name;
+  if ((flags != LCID_SUPPORTED && flags != LCID_INSTALLED) || !LocaleNameFromLCID(locale, name))
+    return false;
+  if (flags == LCID_SUPPORTED || name.empty()) return true; // the invariant locale is built in
+  const std::string base = Part(name, uloc_getBaseName);
+  return Locales().dataLocales.count(Likely(base)) != 0;
+}
+
+bool EnumSystemLocalesA(LOCALE_ENUMPROCA proc, uint32_t flags) {
+  const uint32_t kind = flags & ~LCID_ALTERNATE_SORTS;
+  if (!proc || (kind != LCID_SUPPORTED && kind != LCID_INSTALLED)) return false;
+  std::vector<LCID> list = flags & LCID_ALTERNATE_SORTS ? AlternateSorts() : Locales().supported;
+  for (LCID lcid : list) {
+    if (kind == LCID_INSTALLED && !IsValidLocale(lcid, LCID_INSTALLED)) continue;
+    char text[9];
+    std::snprintf(text, sizeof text, "%08X", static_cast<unsigned>(lcid));
+    if (!proc(text)) break;
+  }
+  return true;
 }
 
 // ---- Locale data --------------------------------------------------------------
