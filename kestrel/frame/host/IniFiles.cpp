@@ -1,6 +1,8 @@
 #include <kestrel/frame/host/IniFiles.h>
 
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -204,8 +206,17 @@ void TCustomIniFile::WriteDateTime(const std::string &section, const std::string
   WriteString(section, name, DateTimeToStr(value));
 }
 
+// The host's 15 digits where they hold the number exactly, else all it needs,
+// so that ReadFloat gives back the same number.
 void TCustomIniFile::WriteFloat(const std::string &section, const std::string &name, double value) {
-  WriteString(section, name, FloatToStr(value));
+  std::string text = FloatToStr(value);
+  double back;
+  if (std::isfinite(value) && (!TryStrToFloat(text, back) || back != value)) {
+    char buf[32];
+    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, value);
+    if (ec == std::errc()) text.assign(buf, end);
+  }
+  WriteString(section, name, text);
 }
 
 void TCustomIniFile::WriteTime(const std::string &section, const std::string &name,

@@ -57,7 +57,8 @@ public:
   virtual int32_t ReadBinaryStream(const std::string &section, const std::string &name,
                                    TStream *value);
   // Dates, times and numbers in the host's text forms (SysUtils.h); the
-  // default when the value has none of them.
+  // default when the value has none of them. A number that FloatToStr's 15
+  // digits do not hold exactly is written with the digits it needs.
   virtual TDateTime ReadDate(const std::string &section, const std::string &name,
                              TDateTime defaultValue);
   virtual TDateTime ReadDateTime(const std::string &section, const std::string &name,
