@@ -2,6 +2,7 @@
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/NlsInternal.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -192,8 +193,11 @@ bool IsValidLocale(LCID locale, uint32_t flags) {
   if ((flags != LCID_SUPPORTED && flags != LCID_INSTALLED) || !LocaleNameFromLCID(locale, name))
     return false;
   if (flags == LCID_SUPPORTED || name.empty()) return true; // the invariant locale is built in
-  const std::string base = Part(name, uloc_getBaseName);
-  return Locales().dataLocales.count(Likely(base)) != 0;
+  // A locale of the enumeration came from ICU's data; another needs data of
+  // its own (st_ZA, say, is known but has none).
+  const std::vector<LCID> &listed = Locales().supported;
+  if (std::binary_search(listed.begin(), listed.end(), locale & 0xFFFF)) return true;
+  return Locales().dataLocales.count(Likely(Part(name, uloc_getBaseName))) != 0;
 }
 
 bool EnumSystemLocalesA(LOCALE_ENUMPROCA proc, uint32_t flags) {
@@ -339,7 +343,9 @@ std::u16string CurrencySymbol(const LocaleParts &p) {
   UChar code[4] = {};
   UErrorCode err = U_ZERO_ERROR;
   ucurr_forLocale(where.c_str(), code, 4, &err);
-  if (U_FAILURE(err)) return {};
+  // A region with no currency of its own (001 the world, 419 Latin America)
+  // gets the generic currency sign, as the invariant locale does.
+  if (U_FAILURE(err) || code[0] == 0) return u"\u00A4";
   UBool isChoice = false;
   int32_t len = 0;
   err = U_ZERO_ERROR;
