@@ -137,7 +137,7 @@ int32_t TMKLanguages::LocalesCallback(const char *locale) {
   // Eight hexadecimal digits: a sort number, then the language identifier.
   const std::string text = locale ? locale : "";
   int32_t value;
-  if (text.size() < 5 || !TryStrToInt("$" + text.substr(4, 4), value)) return 1;
+  if (text.size() < 5 || !TryStrToInt(std::string("$").append(text, 4, 4), value)) return 1;
   const LCID lcid = static_cast<LCID>(value);
   if (LocaleData(lcid, LOCALE_SABBREVLANGNAME).empty()) return 1;
   const std::string name = ShortenedSysLanguageName(LocaleData(lcid, LOCALE_SENGLANGUAGE));

@@ -54,7 +54,7 @@ std::string FloatToStr(double value) {
   std::string out = value < 0 ? "-" : "";
   if (exponent >= 15 || exponent < -5) {
     out += digits[0];
-    if (digits.size() > 1) out += "." + digits.substr(1);
+    if (digits.size() > 1) out.append(".").append(digits, 1);
     return out + "E" + std::to_string(exponent);
   }
   if (exponent < 0)
@@ -390,7 +390,7 @@ std::string TimeToStr(TDateTime time) {
 
 std::string DateTimeToStr(TDateTime dateTime) {
   std::string text = DateToStr(dateTime);
-  if (dateTime != std::trunc(dateTime)) text += " " + TimeToStr(dateTime);
+  if (dateTime != std::trunc(dateTime)) text.append(" ").append(TimeToStr(dateTime));
   return text;
 }
 

@@ -26,7 +26,7 @@ StringTableRegistration::StringTableRegistration(std::initializer_list<StringRes
   StringTable &table = Table();
   for (const StringResource &e : entries)
     if (!table.texts.emplace(e.ident, e.text).second)
-      table.duplicates += (table.duplicates.empty() ? "" : " ") + std::to_string(e.ident);
+      table.duplicates.append(table.duplicates.empty() ? "" : " ").append(std::to_string(e.ident));
 }
 
 bool FindStringResource(HMODULE module, uint16_t ident, std::string &text) {
