@@ -105,10 +105,14 @@ TEST(UREParser, AnOperatorWithNothingBeforeItIsRefused) {
 // error anywhere in the pattern is the one reported.
 TEST(UREParser, AParseErrorWinsOverAMissingOperand) {
   const ErrorCase cases[] = {
-      {u"*(", "*(", SUREGroupOpen},         {u"*[a", "*[a", SUREClassOpen},
-      {u"*\\p33", "*\\p33", SUREBadProperty}, {u"?a{2", "?a{2", SUREBadRange},
-      {u"*)", "*)", SUREGroupOpen},       {u"()a\\", "()a\\", SUREUnexpectedEnd},
-      {u"*{3,2}", "*{3,2}", SUREBadRange},  {u"+{1,", "+{1,", SURERangeOpen},
+      {u"*(", "*(", SUREGroupOpen},
+      {u"*[a", "*[a", SUREClassOpen},
+      {u"*\\p33", "*\\p33", SUREBadProperty},
+      {u"?a{2", "?a{2", SUREBadRange},
+      {u"*)", "*)", SUREGroupOpen},
+      {u"()a\\", "()a\\", SUREUnexpectedEnd},
+      {u"*{3,2}", "*{3,2}", SUREBadRange},
+      {u"+{1,", "+{1,", SURERangeOpen},
       {u"*a{1,1500}", "*a{1,1500}", SURETooLarge},
   };
   for (const ErrorCase &c : cases)
