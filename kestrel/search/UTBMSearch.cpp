@@ -172,9 +172,9 @@ void TUTBMSearch::BuildSkipTable() {
       record = &SkipValues[SkipsUsed++];
       record->Entry = &entry;
     }
-    // The distance from the entry to the pattern's end. (A pair two or more
-    // units before the end would get one unit more, which jumps over an
-    // occurrence: the search lands on its pairs' first unit, not its last.)
+    // The distance from the entry to the pattern's end, for a pair too: the
+    // search aligns every probe on a pair's first unit, so one unit more
+    // would jump over an occurrence.
     const bool wide = entry.UpCase > 0xFFFF;
     record->Skip = static_cast<uint32_t>(std::max<int64_t>(last - k, 0));
     // Any entry that a character equal to the last one can also equal
