@@ -13,6 +13,7 @@
 #include <kestrel/frame/host/IniFiles.h>
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/myKpSmall.h>
+#include <kestrel/frame/platform/Platform.h>
 #include <kestrel/language/language_detailsU.h>
 
 using namespace kestrel;
@@ -101,6 +102,22 @@ TEST(MKLanguages, TheUnitFreesItWhileTheLogStillWorksAndBuildsItAgain) {
   Finalize();
   Initialize();
   EXPECT_FALSE(FileExists(dir / "quiet.log"));
+}
+
+// Off the NT family the start-up takes the 8-bit form, which must see the same languages.
+TEST(MKLanguages, TheEightBitFormBuildsTheSameCatalogue) {
+  const std::string wideNames = MKLanguages->AllNames->Text();
+  const TArrayOfLCID wideLocales = MKLanguages->AllLCIDs;
+  Finalize();
+  Win32Platform = 1;
+  Initialize();
+  EXPECT_EQ(GetLocaleDataProc, &GetLocaleDataA);
+  EXPECT_EQ(MKLanguages->AllNames->Text(), wideNames);
+  EXPECT_EQ(MKLanguages->AllLCIDs, wideLocales);
+  Finalize();
+  Win32Platform = VER_PLATFORM_WIN32_NT;
+  Initialize();
+  EXPECT_EQ(GetLocaleDataProc, &GetLocaleDataW);
 }
 
 TEST_F(Catalogue, GetALanguageDetailsPrefersTheFavourite) {
