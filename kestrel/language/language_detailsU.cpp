@@ -127,8 +127,8 @@ TMKLanguages::TMKLanguages()
 }
 
 TMKLanguages::~TMKLanguages() {
-  AllNames.release()->Free();
-  Favourites->Clear();
+  if (AllNames) AllNames.release()->Free();
+  if (Favourites) Favourites->Clear();
   Favourites.reset();
   AllLCIDs.clear();
 }
