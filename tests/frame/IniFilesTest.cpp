@@ -248,19 +248,3 @@ TEST(TMemIniFile, AFailedUpdateRaisesAndLeavesTheOldFileWhole) {
   nowhere.WriteString("s", "k", "v");
   EXPECT_THROW(nowhere.UpdateFile(), EFCreateError);
 }
-
-TEST(TMemIniFile, UpdateKeepsPermissionsAndWritesThroughALink) {
-  TempDir dir;
-  dir.WriteFile("real.ini", "[s]\nk=1\n");
-  ::chmod((dir / "real.ini").c_str(), 0640);
-  ASSERT_EQ(::symlink("real.ini", (dir / "link.ini").c_str()), 0);
-  TMemIniFile ini(dir / "link.ini");
-  ini.WriteString("s", "k", "2");
-  ini.UpdateFile();
-  struct stat st;
-  ASSERT_EQ(::lstat((dir / "link.ini").c_str(), &st), 0);
-  EXPECT_TRUE(S_ISLNK(st.st_mode));
-  ASSERT_EQ(::stat((dir / "real.ini").c_str(), &st), 0);
-  EXPECT_EQ(st.st_mode & 07777, 0640u);
-  EXPECT_EQ(test::ReadFileBytes(dir / "real.ini"), "[s]\r\nk=2\r\n");
-}

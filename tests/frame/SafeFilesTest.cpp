@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "TestSupport.h"
 #include "frame/FileSizeLimit.h"
@@ -59,11 +60,19 @@ TEST(CopyFileA, FailsWithoutHarm) {
   EXPECT_EQ(EntriesIn(dir.Path()), 5u); // a, b, c, big and the folder: no temporary left
 }
 
-TEST(ReplaceFileWhole, CreatesOrReplaces) {
+TEST(ReplaceFileWhole, CreatesOrReplacesKeepingPermissionsAndLinks) {
   TempDir dir;
   ASSERT_TRUE(ReplaceFileWhole(dir / "a.txt", "first"));
-  ASSERT_TRUE(ReplaceFileWhole(dir / "a.txt", "second"));
+  ::chmod((dir / "a.txt").c_str(), 0640);
+  ASSERT_EQ(::symlink("a.txt", (dir / "link").c_str()), 0);
+  ASSERT_TRUE(ReplaceFileWhole(dir / "link", "second"));
   EXPECT_EQ(test::ReadFileBytes(dir / "a.txt"), "second");
+  struct stat st;
+  ASSERT_EQ(::lstat((dir / "link").c_str(), &st), 0);
+  EXPECT_TRUE(S_ISLNK(st.st_mode));
+  ASSERT_EQ(::stat((dir / "a.txt").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 07777, 0640u);
+  ::unlink((dir / "link").c_str());
   EXPECT_FALSE(ReplaceFileWhole("", "x"));
   {
     test::FileSizeLimit disk(4);

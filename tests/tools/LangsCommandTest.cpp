@@ -79,12 +79,12 @@ TEST(LangsCommand, ShowsTheFavouritesOfAFile) {
 TEST(LangsCommand, ExitCodes) {
   TempDir dir;
   dir.WriteFile("empty.ini", "; nothing\r\n");
-  EXPECT_EQ(Langs("--favourites " + dir / "empty.ini").status, 1);
-  EXPECT_EQ(Langs("--json --favourites " + dir / "empty.ini").out, "[]\n");
+  const Result empty = Langs("--json --favourites " + dir / "empty.ini");
+  EXPECT_EQ(empty.status, 1);
+  EXPECT_EQ(empty.out, "[]\n");
   const Result missing = Langs("--favourites " + dir / "none.ini");
   EXPECT_EQ(missing.status, 2);
   EXPECT_EQ(Count(missing.out, "\n"), 1u);
-  EXPECT_EQ(Langs("--bogus").status, 2);
-  EXPECT_EQ(Langs("stray").status, 2);
-  EXPECT_EQ(Langs("--favourites").status, 2);
+  for (const char *bad : {"--bogus", "stray", "--favourites"})
+    EXPECT_EQ(Langs(bad).status, 2) << bad;
 }
