@@ -51,6 +51,10 @@ TEST(LanguageCodes, EachLanguagesIdentifierReadsBackAsItselfSaveTheNamedExceptio
   }
   EXPECT_EQ(WindowsLangIDFromMK3Language(L::Old_Norse), 0x0814);
   EXPECT_EQ(WindowsLangIDFromMK3Language(L::lt_unknown), 0x0809);
+  for (int outside : {kLanguageTypeCount, 255}) { // no language: that of lt_unknown
+    EXPECT_EQ(WindowsLangIDFromMK3Language(static_cast<L>(outside)), 0x0809);
+    EXPECT_EQ(Language_Group_From_Language(static_cast<L>(outside)), G::Western);
+  }
 }
 
 TEST(LanguageCodes, GroupsAndTheirCharsets) {
