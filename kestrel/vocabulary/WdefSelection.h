@@ -76,6 +76,7 @@ inline constexpr size_t kIgnoreTagSlots = 6;
 // characters in the tag_on row, the closing ones in the tag_off row. A slot
 // with a zero in either row is empty.
 using IgnoreTag_Type = EnumTable<tag_on_off_type, std::array<char16_t, kIgnoreTagSlots>, 2>;
+static_assert(sizeof(IgnoreTag_Type) == 24);
 
 // "<*>,[*]" form: comma-separated entries, each giving its first character
 // as the opening and its last as the closing one. A seventh entry and those
