@@ -23,25 +23,36 @@ bool SameBytes(const TExtraFontRec &a, const TExtraFontRec &b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-TEST(ExtraFontList, AddsWithTheDefaultsOrGivenValues) {
+TEST(ExtraFontList, DefaultsAndTheirUpdate) {
+  TExtraFontList empty;
+  empty.UpdateColoursAndTypeFace(kOther, {underline}); // the defaults only
+  EXPECT_EQ(empty.Count(), 0);
+  EXPECT_EQ(empty.default_colours.base_back, 3);
+  EXPECT_EQ(empty.default_typeface, typeface_set_type{underline});
+
   TExtraFontList list(kColours, {bold});
-  list.AddOne(3, 8);
-  list.AddOne(9, 12, kOther, {italics, strikeout});
-  const TExtraFontRec first = list.GetAFontFrec(0), second = list.GetAFontFrec(1);
-  EXPECT_EQ(first.extra_first, 3);
-  EXPECT_EQ(first.extra_second, 8);
-  EXPECT_EQ(std::memcmp(&first.extra_colours, &kColours, sizeof kColours), 0);
-  EXPECT_EQ(first.extra_typeface, typeface_set_type{bold});
-  EXPECT_EQ(second.extra_colours.highlight_back, 4);
-  EXPECT_EQ(second.extra_typeface, (typeface_set_type{italics, strikeout}));
+  list.AddOne(5, 6);
+  list.AddOne(7, 8, kOther, {italics, strikeout});
+  EXPECT_EQ(list.GetAFontFrec(0).extra_colours.base_fore, kColours.base_fore);
+  EXPECT_EQ(list.GetAFontFrec(0).extra_typeface, typeface_set_type{bold});
+  EXPECT_EQ(list.GetAFontFrec(1).extra_typeface, (typeface_set_type{italics, strikeout}));
+  list.UpdateColoursAndTypeFace(kOther, {normal});
+  for (int32_t i = 0; i < 2; ++i) {
+    const TExtraFontRec rec = list.GetAFontFrec(i);
+    EXPECT_EQ(rec.extra_first, 5 + 2 * i); // the numbers stay
+    EXPECT_EQ(rec.extra_second, 6 + 2 * i);
+    EXPECT_EQ(rec.extra_colours.highlight_fore, 2);
+    EXPECT_EQ(rec.extra_typeface, typeface_set_type{normal});
+  }
+  list.AddOne(0, 0);
+  EXPECT_EQ(list.GetAFontFrec(2).extra_colours.base_fore, 1);
 }
 
 TEST(ExtraFontList, IndexOutOfRangeGivesZeroAndChangesNothing) {
   TExtraFontList list;
   list.AddOne(1, 2, kColours, {bold});
-  const TExtraFontRec zero{};
-  EXPECT_TRUE(SameBytes(list.GetAFontFrec(-1), zero));
-  EXPECT_TRUE(SameBytes(list.GetAFontFrec(1), zero));
+  EXPECT_TRUE(SameBytes(list.GetAFontFrec(-1), TExtraFontRec{}));
+  EXPECT_TRUE(SameBytes(list.GetAFontFrec(1), TExtraFontRec{}));
   TExtraFontRec changed = list.GetAFontFrec(0);
   changed.extra_first = 77;
   list.SetAFontFrec(1, changed);
@@ -49,27 +60,6 @@ TEST(ExtraFontList, IndexOutOfRangeGivesZeroAndChangesNothing) {
   EXPECT_EQ(list.GetAFontFrec(0).extra_first, 1);
   list.SetAFontFrec(0, changed);
   EXPECT_EQ(list.GetAFontFrec(0).extra_first, 77);
-}
-
-TEST(ExtraFontList, UpdateChangesDefaultsAndEveryItemButItsNumbers) {
-  TExtraFontList empty;
-  empty.UpdateColoursAndTypeFace(kOther, {underline});
-  EXPECT_EQ(empty.Count(), 0);
-  EXPECT_EQ(empty.default_colours.base_back, 3);
-  EXPECT_EQ(empty.default_typeface, typeface_set_type{underline});
-
-  TExtraFontList list(kColours, {bold});
-  list.AddOne(5, 6);
-  list.AddOne(7, 8, kColours, {});
-  list.UpdateColoursAndTypeFace(kOther, {normal});
-  for (int32_t i = 0; i < 2; ++i) {
-    const TExtraFontRec rec = list.GetAFontFrec(i);
-    EXPECT_EQ(rec.extra_first, 5 + 2 * i);
-    EXPECT_EQ(rec.extra_colours.highlight_fore, 2);
-    EXPECT_EQ(rec.extra_typeface, typeface_set_type{normal});
-  }
-  list.AddOne(0, 0);
-  EXPECT_EQ(list.GetAFontFrec(2).extra_colours.base_fore, 1);
 }
 
 // A count, then 28-byte records: numbers, four colours, typeface, fill.
@@ -98,21 +88,13 @@ TEST(ExtraFontListStream, SavedByteForByteAndReadBackWithItsFill) {
   ASSERT_EQ(StreamBytes(out), kTwoFonts);
 
   TExtraFontList back;
+  back.AddOne(100, 200); // reading appends
   BytesStream in(kTwoFonts);
   ASSERT_TRUE(back.ReadFromStream(&in));
-  ASSERT_EQ(back.Count(), 2);
+  ASSERT_EQ(back.Count(), 3);
+  EXPECT_EQ(back.GetAFontFrec(0).extra_first, 100);
   for (int32_t i = 0; i < 2; ++i)
-    EXPECT_TRUE(SameBytes(back.GetAFontFrec(i), list.GetAFontFrec(i)));
-}
-
-TEST(ExtraFontListStream, ReadingAppends) {
-  TExtraFontList list;
-  list.AddOne(100, 200);
-  BytesStream in(kTwoFonts);
-  ASSERT_TRUE(list.ReadFromStream(&in));
-  ASSERT_EQ(list.Count(), 3);
-  EXPECT_EQ(list.GetAFontFrec(0).extra_first, 100);
-  EXPECT_EQ(list.GetAFontFrec(2).extra_first, 16);
+    EXPECT_TRUE(SameBytes(back.GetAFontFrec(i + 1), list.GetAFontFrec(i)));
 }
 
 TEST(ExtraFontListStream, EmptyAndNegativeCountsReadNothing) {

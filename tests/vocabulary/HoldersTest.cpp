@@ -54,18 +54,5 @@ TEST(Holders, FileDetailsHolderKeepsItsOwnCopy) {
   EXPECT_EQ(TFileDetailsHolder(FileDetails_rec{0, 0, 0, nullptr}).file_name, nullptr);
 }
 
-TEST(Holders, ArrayHolderCopiesAllEntries) {
-  double_longint_rec array[kDoubleLongintArrayLength];
-  for (size_t i = 0; i < kDoubleLongintArrayLength; ++i)
-    array[i] = {int32_t(i), -int32_t(i)};
-  TArrayOfDoubleLongintHolder holder(array);
-  array[0].first = 99;
-  EXPECT_EQ(holder.values[0].first, 0);
-  EXPECT_EQ(holder.values[511].first, 511);
-  EXPECT_EQ(holder.values[511].second, -511);
-  TArrayOfDoubleLongintHolder none(nullptr);
-  EXPECT_EQ(none.values[100].second, 0);
-}
-
 } // namespace
 } // namespace kestrel
