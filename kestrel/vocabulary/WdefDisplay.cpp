@@ -2,7 +2,6 @@
 // and the questions about the session.
 #include <kestrel/vocabulary/WdefDisplay.h>
 
-#include <kestrel/frame/platform/Display.h>
 #include <kestrel/frame/platform/UserInfo.h>
 #include <kestrel/vocabulary/WdefUnit.h>
 

@@ -15,6 +15,7 @@
 
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/frame/host/Types.h>
+#include <kestrel/frame/platform/Display.h>
 #include <kestrel/vocabulary/WdefDisplayTypes.h>
 #include <kestrel/vocabulary/my_types.h>
 
@@ -193,7 +194,7 @@ extern uint32_t AccelTbl;
 // ---- The session ------------------------------------------------------------------
 
 // Logical pixels per inch across the screen (LOGPIXELSX of its device
-// context): 96 unless the tool has told the platform layer otherwise.
+// context): 96 unless the tool has said otherwise with SetScreenPixelsPerInch.
 int32_t ScreenPixelsPerInch();
 // The name of the user the process runs as, from the system's user database;
 // "?????" when it cannot be had or is longer than 99 characters.
