@@ -5,6 +5,7 @@
 #include <optional>
 #include <pwd.h>
 #include <string>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <kestrel/frame/platform/Display.h>
@@ -39,6 +40,22 @@ TEST(Session, UserNameComesFromTheUserDatabaseNotTheEnvironment) {
   const std::string name = Registry_Current_User();
   saved.empty() ? ::unsetenv("USER") : ::setenv("USER", saved.c_str(), 1);
   EXPECT_EQ(name, DatabaseUser().value_or("?????"));
+}
+
+TEST(Session, UserWithoutAnEntryInTheDatabaseIsUnknown) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to run as root to take an id with no user";
+  uid_t stranger = 54321;
+  while (::getpwuid(stranger))
+    ++stranger;
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    if (::seteuid(stranger) != 0) ::_exit(2);
+    ::_exit(Registry_Current_User() == "?????" ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 TEST(Session, UserNameBufferContract) {

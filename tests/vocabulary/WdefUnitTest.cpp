@@ -31,6 +31,16 @@ TEST(WdefUnit, FormatDefaultsBySegmentThenFormat) {
   }
 }
 
+TEST(WdefUnit, SettingsAtLoad) {
+  for (bool on : {autosearch_confirm, mask_wanted, whole_word_search})
+    EXPECT_TRUE(on);
+  for (bool off : {search_downwards, blanking, digraph_sorting, go_now, indexing_tallyman,
+                   no_check_exit, reverse_sorting, utter_bollocks})
+    EXPECT_FALSE(off);
+  EXPECT_EQ(conc_third_sort, concordance_sort_type::cs_by_tag);
+  EXPECT_EQ(lineups_chosen_category, 'a');
+}
+
 // Brings a unit down to its last finalisation and up again, as a library
 // unloaded and loaded again would.
 template <void (*Finalization)(), void (*Initialization)()> struct UnitCycle {
