@@ -31,10 +31,9 @@ install(FILES ${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake
   ${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake
   DESTINATION ${KESTREL_CMAKE_DIR} COMPONENT Development)
 
-# pkg-config: the prefix is found from where the file lies. A static library
-# names its dependencies for `pkg-config --static`.
-file(RELATIVE_PATH KESTREL_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-string(REGEX REPLACE "/$" "" KESTREL_PC_TO_PREFIX "${KESTREL_PC_TO_PREFIX}")
+# pkg-config: written at install time, when the prefix is known (it may come
+# from `cmake --install --prefix`). A static library names its dependencies
+# for `pkg-config --static`.
 if(KESTREL_SHARED)
   set(KESTREL_PC_PRIVATE "")
 else()
@@ -42,8 +41,13 @@ else()
   string(REPLACE ";" " " KESTREL_PC_DL "${KESTREL_PC_DL}")
   set(KESTREL_PC_PRIVATE "Requires.private: icu-uc icu-i18n libzip\nLibs.private: -pthread ${KESTREL_PC_DL}")
 endif()
-configure_file(${PROJECT_SOURCE_DIR}/cmake/kestrelcore.pc.in ${PROJECT_BINARY_DIR}/kestrelcore.pc
+set(KESTREL_PC_PREFIX "@KESTREL_PC_PREFIX@") # left for the install step
+configure_file(${PROJECT_SOURCE_DIR}/cmake/kestrelcore.pc.in ${PROJECT_BINARY_DIR}/kestrelcore.pc.in
   @ONLY)
+install(CODE "
+  get_filename_component(KESTREL_PC_PREFIX \"\${CMAKE_INSTALL_PREFIX}\" ABSOLUTE)
+  configure_file(\"${PROJECT_BINARY_DIR}/kestrelcore.pc.in\" \"${PROJECT_BINARY_DIR}/kestrelcore.pc\" @ONLY)"
+  COMPONENT Development)
 install(FILES ${PROJECT_BINARY_DIR}/kestrelcore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT Development)
 
@@ -63,6 +67,7 @@ if(PROJECT_IS_TOP_LEVEL)
       "runtime library of a suite of corpus-analysis tools, with the kestrel tool")
   set(CPACK_GENERATOR DEB)
   set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_SET_DESTDIR ON) # the pkg-config file is written with the final prefix
   set(CPACK_STRIP_FILES ON)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
