@@ -76,9 +76,11 @@ quiet cmake -S "$here" -B "$work/with-cmake" -DCMAKE_BUILD_TYPE=Release \
 quiet cmake --build "$work/with-cmake"
 run_example "$work/with-cmake/example"
 
-echo "-- pkg-config: build and run the README's example"
+echo "-- pkg-config: build and run the README's example (the headers without a warning)"
+# pkg-config gives -I, not -isystem: a program built with strict warnings
+# sees everything our headers do.
 # shellcheck disable=SC2046 # the flags are words
-quiet "$CXX" -o "$work/with-pkg-config" "$work/example.cpp" \
+quiet "$CXX" -Wall -Wextra -Werror -o "$work/with-pkg-config" "$work/example.cpp" \
   $(pkg-config $static --cflags --libs kestrelcore) -Wl,-rpath,"$libdir"
 run_example "$work/with-pkg-config"
 
