@@ -194,6 +194,8 @@ struct TDFA {
   TTransitions TransitionList;
 };
 
+// The regular-expression engine. FindPrepare raises Exception with the
+// message of the string table when the pattern is bad.
 class TURESearch : public TSearchEngine {
 public:
   explicit TURESearch(TWideStrings *AOwner = nullptr);
