@@ -67,6 +67,7 @@ if(PROJECT_IS_TOP_LEVEL)
       "runtime library of a suite of corpus-analysis tools, with the kestrel tool")
   set(CPACK_GENERATOR DEB)
   set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_INSTALL_PREFIX /usr)
   set(CPACK_SET_DESTDIR ON) # the pkg-config file is written with the final prefix
   set(CPACK_STRIP_FILES ON)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
