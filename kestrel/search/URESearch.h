@@ -86,6 +86,8 @@ inline constexpr uint16_t SURETooLarge = 65529;
 // The text of a string-table identifier; empty for an unknown one.
 std::string LoadResString(uint16_t Ident);
 
+// The engine's tables, as the compile builds them: the parse buffer and the
+// automaton. Tools read them only through GetDFA and GetUREBuffer.
 struct TRange {
   UCS4 Low = 0;
   UCS4 High = 0;

@@ -104,7 +104,8 @@ using TStringListSortCompare = int (*)(TStringList *list, int32_t index1, int32_
 
 // The concrete list: items with their objects (not owned), kept in order
 // when Sorted. Duplicates tells what a sorted Add does with an equal item
-// (dupError raises EStringListError); Insert on a sorted list raises too.
+// (DuplicatesError raises EStringListError); Insert on a sorted list raises
+// too.
 class TStringList : public TStrings {
 public:
   TStringList() = default;
