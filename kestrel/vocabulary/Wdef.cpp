@@ -6,7 +6,7 @@
 // them to release.
 #include <kestrel/frame/Units.h>
 #include <kestrel/vocabulary/Wdef.h>
-#include <kestrel/vocabulary/WdefUnit.h>
+#include <kestrel/vocabulary/WdefUnitInternal.h>
 
 namespace kestrel {
 namespace {

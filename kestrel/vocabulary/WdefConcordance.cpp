@@ -1,7 +1,7 @@
 // Unit Wdef: the names of the concordance sorts and the concordance settings.
 #include <kestrel/vocabulary/WdefConcordance.h>
 
-#include <kestrel/vocabulary/WdefUnit.h>
+#include <kestrel/vocabulary/WdefUnitInternal.h>
 
 namespace kestrel {
 

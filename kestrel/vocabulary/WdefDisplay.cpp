@@ -2,8 +2,7 @@
 // and the questions about the session.
 #include <kestrel/vocabulary/WdefDisplay.h>
 
-#include <kestrel/frame/platform/UserInfo.h>
-#include <kestrel/vocabulary/WdefUnit.h>
+#include <kestrel/vocabulary/WdefUnitInternal.h>
 
 namespace kestrel {
 

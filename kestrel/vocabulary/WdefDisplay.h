@@ -16,6 +16,7 @@
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/frame/host/Types.h>
 #include <kestrel/frame/platform/Display.h>
+#include <kestrel/frame/platform/UserInfo.h>
 #include <kestrel/vocabulary/WdefDisplayTypes.h>
 #include <kestrel/vocabulary/my_types.h>
 

@@ -2,7 +2,7 @@
 #include <kestrel/vocabulary/WdefLibraries.h>
 
 #include <kestrel/frame/platform/Platform.h>
-#include <kestrel/vocabulary/WdefUnit.h>
+#include <kestrel/vocabulary/WdefUnitInternal.h>
 
 namespace kestrel {
 

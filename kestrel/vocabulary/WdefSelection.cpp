@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include <kestrel/unicode/CodePages.h>
-#include <kestrel/vocabulary/WdefUnit.h>
+#include <kestrel/vocabulary/WdefUnitInternal.h>
 
 namespace kestrel {
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <kestrel/frame/host/SysUtils.h>
-#include <kestrel/frame/platform/NumberFormat.h>
 
 namespace kestrel {
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <kestrel/frame/platform/NumberFormat.h>
+
 namespace kestrel {
 
 // text without any occurrence of ch.
