@@ -86,6 +86,8 @@ inline constexpr uint16_t SUREExpressionEmpty = 65527;
 inline constexpr uint16_t SURENoOperand = 65530;
 inline constexpr uint16_t SURETooLarge = 65531;
 
+// The engine's tables, as the compile builds them: the parse buffer and the
+// automaton. Tools read them only through GetDFA and GetUREBuffer.
 struct TRange {
   UCS4 Low = 0;
   UCS4 High = 0;
@@ -194,6 +196,8 @@ struct TDFA {
   TTransitions TransitionList;
 };
 
+// The regular-expression engine. FindPrepare raises Exception with the
+// message of the string table when the pattern is bad.
 class TURESearch : public TSearchEngine {
 public:
   explicit TURESearch(TWideStrings *AOwner = nullptr);
