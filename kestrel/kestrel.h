@@ -15,6 +15,7 @@
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Resources.h>
+#include <kestrel/frame/platform/SafeFiles.h>
 #include <kestrel/frame/platform/TempPath.h>
 #include <kestrel/frame/zip/VCLUnZip.h>
 #include <kestrel/language/Language.h>
