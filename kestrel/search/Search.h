@@ -3,6 +3,8 @@
 
 #include <kestrel/search/SearchEngine.h>
 #include <kestrel/search/SortableLists.h>
+#include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UTBMSearch.h>
+#include <kestrel/search/WordBounds.h>
 #include <kestrel/search/myMasks.h>
