@@ -74,7 +74,12 @@ TAutomaton::TAutomaton(const char16_t *Pattern, uint32_t PatternLength, bool Fol
   } catch (const std::length_error &) {
     RaiseTooLarge(Pattern, PatternLength);
   }
-  FCache = std::make_unique<TStateCache>(FTerms, FClasses, FAtoms, FRoot, CacheLimit);
+  bool positionTests = false;
+  for (TAtom a : FAtoms)
+    positionTests |= a != TAtom::Consume && !(a == TAtom::NoWordBefore && !LeftBounded) &&
+                     !(a == TAtom::NoWordAfter && !RightBounded);
+  FCache =
+      std::make_unique<TStateCache>(FTerms, FClasses, FAtoms, FRoot, positionTests, CacheLimit);
 }
 
 void TAutomaton::SetCacheLimit(size_t Limit) {
@@ -87,8 +92,12 @@ void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
   std::vector<uint32_t> &regs = FRegisters;
   regs.clear();
   TStateCache &cache = *FCache;
-  // Applies a transition at position P; with Keep the step of the character
-  // follows.
+  if (!FSkipBuilt) {
+    FSkip.Build(cache, FClasses);
+    FSkipBuilt = true;
+  }
+  // Applies a general transition at position P; with Keep the step of the
+  // character follows.
   auto apply = [&](const TTransition &t, uint32_t p, bool keep) {
     if (t.Accept >= 0) {
       Accept(Matches, regs[size_t(t.Accept)], p);
@@ -108,9 +117,16 @@ void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
     return !Matches.empty() && (regs.empty() || regs.front() > Matches.front().Start);
   };
 
-  uint32_t state = cache.StartState();
+  int32_t row = cache.StartRow();
+  const int32_t *table = cache.Table();
+  int32_t idle = cache.IdleRow();
+  const bool skip = FSkip.Usable();
   uint32_t p = 0;
   while (p < TextLen) {
+    if (row == idle && skip) {
+      p = uint32_t(FSkip.Next(Text + p, Text + TextLen) - Text);
+      if (p == TextLen) break;
+    }
     const char16_t u = Text[p];
     uint32_t units = 1;
     uint32_t cls;
@@ -120,17 +136,30 @@ void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
     } else {
       cls = FClasses.OfUnit(u);
     }
-    const TTransition &t = cache.Step(state, cls);
-    if (t.Effect == TEffect::Append) {
+    int32_t e = table[size_t(row) + cls];
+    if (e < 0) {
+      e = cache.Entry(row, cls);
+      table = cache.Table();
+      idle = cache.IdleRow();
+    }
+    switch (TEffect(e & 3)) {
+    case TEffect::None:
+      row = e >> 2;
+      break;
+    case TEffect::Append:
       regs.push_back(p);
-    } else if (t.Effect == TEffect::General) {
+      row = e >> 2;
+      break;
+    default: {
+      const TTransition &t = cache.Transition(e);
       apply(t, p, true);
+      row = int32_t(t.TargetRow);
       if (FirstOnly && settled()) return;
     }
-    state = t.Target;
+    }
     p += units;
   }
-  apply(cache.Step(state, FClasses.EndClass()), TextLen, false);
+  apply(cache.Transition(cache.Entry(row, FClasses.EndClass())), TextLen, false);
 }
 
 } // namespace longest

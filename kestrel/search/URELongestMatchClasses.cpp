@@ -116,6 +116,16 @@ void TSymbolClasses::Build(const TURESearch &Parser, const TSymbolTable &Symbols
     page.reset();
 }
 
+const std::vector<char16_t> &TSymbolClasses::UnitsFoldingBelow256() {
+  static const std::vector<char16_t> units = [] {
+    std::vector<char16_t> out;
+    for (UCS4 c = 0x100; c < 0x10000; ++c)
+      if ((c < 0xD800 || c > 0xDFFF) && UnicodeToLower(c) < 256) out.push_back(char16_t(c));
+    return out;
+  }();
+  return units;
+}
+
 UCS4 TSymbolClasses::Fold(UCS4 Code) const {
   return FFoldCase ? UnicodeToLower(Code) : Code;
 }

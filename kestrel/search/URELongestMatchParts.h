@@ -47,8 +47,21 @@ public:
   }
   // The class of any code point.
   uint32_t Of(UCS4 Code) { return Code < 0x10000 ? OfUnit(char16_t(Code)) : OfFolded(Fold(Code)); }
+  // Whether every code unit from 256 up (and so every pair) is in a class
+  // that Test holds for.
+  template <typename Test> bool AllAbove255(Test &&Holds) {
+    for (size_t i = 0; i < FStarts.size(); ++i)
+      if ((i + 1 == FStarts.size() || FStarts[i + 1] > 256) && !Holds(FIntervalClass[i]))
+        return false;
+    if (FFoldCase)
+      for (char16_t u : UnitsFoldingBelow256())
+        if (!Holds(OfUnit(u))) return false;
+    return true;
+  }
 
 private:
+  // The units from 256 up whose lower case is below 256 (the Kelvin sign...).
+  static const std::vector<char16_t> &UnitsFoldingBelow256();
   UCS4 Fold(UCS4 Code) const;
   uint32_t OfFolded(UCS4 Code) const;
   const uint16_t *FillPage(uint32_t Page);
@@ -130,11 +143,10 @@ enum class TEffect : uint8_t {
 // and no match ended at p, gives the empty match (p, p). Then the character
 // is read: of the groups so far, those listed in Keep go on, in order.
 struct TTransition {
-  uint32_t Target = 0;
+  uint32_t TargetRow = 0;
   int32_t Accept = -1;
   uint32_t KeepOffset = 0;
   uint32_t KeepCount = 0;
-  TEffect Effect = TEffect::None;
   bool Inject = false;
   bool InjectAccept = false;
 };
@@ -149,18 +161,29 @@ TPrevKind PrevKindOf(TUnitKind Kind);
 // The cache of states: a state is what stood before the position and the
 // groups of terms still alive, oldest start first; transitions are made on
 // first use. When the cache passes its limit it is emptied and refilled.
+//
+// A state is known by its row, its number times the classes plus one; the
+// entry of a row for a class is -1 until the transition is made, then the
+// effect in its low two bits and above them the target's row (for None and
+// Append) or the number of the transition (for General).
 class TStateCache {
 public:
+  // PositionTests: whether any symbol tests positions; without, what stood
+  // before a position is never told apart.
   TStateCache(TTerms &Terms, TSymbolClasses &Classes, const std::vector<TAtom> &Atoms,
-              uint32_t Root, size_t Limit);
-  uint32_t StartState();
-  // The transition from State on Class; may empty the cache, so that only
-  // the returned transition (and its target) stay meaningful.
-  const TTransition &Step(uint32_t State, uint32_t Class) {
-    int32_t t = FNext[size_t(State) * FStride + Class];
-    if (t < 0) t = Build(State, Class);
-    return FTransitions[size_t(t)];
+              uint32_t Root, bool PositionTests, size_t Limit);
+  int32_t StartRow();
+  // The row of the state with no attempt alive, after a character of kind
+  // Other; it stays one row until the cache is emptied.
+  int32_t IdleRow() const { return FIdleRow; }
+  // The entry of Row for Class; making it may empty the cache, after which
+  // only this entry and what it names are meaningful (rows and tables move).
+  int32_t Entry(int32_t Row, uint32_t Class) {
+    const int32_t e = FNext[size_t(Row) + Class];
+    return e >= 0 ? e : Build(uint32_t(Row) / FStride, Class);
   }
+  const int32_t *Table() const { return FNext.data(); }
+  const TTransition &Transition(int32_t Entry) const { return FTransitions[size_t(Entry >> 2)]; }
   const uint32_t *Keep(const TTransition &T) const { return FKeep.data() + T.KeepOffset; }
   uint64_t Flushes() const { return FFlushes; }
   size_t States() const { return FStateKinds.size(); }
@@ -173,6 +196,7 @@ private:
   int32_t Build(uint32_t State, uint32_t Class);
   void Flush(uint32_t &State);
   size_t Bytes() const;
+  TPrevKind Before(TPrevKind Kind) const { return FPositionTests ? Kind : TPrevKind::Other; }
   // Closure of a set of terms through the zero-width tests that hold.
   void Close(std::vector<uint32_t> &Set, const TPosition &Position);
   bool AnyNullable(const std::vector<uint32_t> &Set) const;
@@ -183,13 +207,15 @@ private:
   TSymbolClasses &FClasses;
   const std::vector<TAtom> &FAtoms;
   uint32_t FRoot;
+  bool FPositionTests;
   size_t FLimit;
   size_t FStride;
+  int32_t FIdleRow = 0;
 
   std::unordered_map<std::string, uint32_t> FIndex;
   std::vector<std::string> FKeys; // per state: its groups, as indexed
   std::vector<TPrevKind> FStateKinds;
-  std::vector<int32_t> FNext; // state x (classes + 1)
+  std::vector<int32_t> FNext; // rows of entries
   std::vector<TTransition> FTransitions;
   std::vector<uint32_t> FKeep;
   size_t FKeyBytes = 0;
@@ -198,6 +224,23 @@ private:
   // Work space: stamps over terms, for the sets built during a transition.
   std::vector<uint32_t> FSeen, FLocal;
   uint32_t FSeenStamp = 0, FLocalStamp = 0;
+};
+
+// Where the scan may jump ahead while no attempt is alive: the units that
+// leave the idle state as it is, when they can be told cheaply.
+class TIdleSkip {
+public:
+  // Built from the idle row's entries for every class.
+  void Build(TStateCache &Cache, TSymbolClasses &Classes);
+  // The first unit from Run on that is not skipped; End if none.
+  const char16_t *Next(const char16_t *Run, const char16_t *End) const;
+  bool Usable() const { return FUsable; }
+
+private:
+  bool FUsable = false;
+  bool FHighStays = false;           // every unit from 256 up stays
+  std::vector<uint16_t> FLow, FSpan; // units below 256 that leave, as ranges
+  uint8_t FStays[256] = {};
 };
 
 // Everything FindPrepare builds.
@@ -220,6 +263,8 @@ private:
   std::vector<TAtom> FAtoms;
   uint32_t FRoot = 0;
   std::unique_ptr<TStateCache> FCache;
+  TIdleSkip FSkip;
+  bool FSkipBuilt = false;
   std::vector<uint32_t> FRegisters;
 };
 

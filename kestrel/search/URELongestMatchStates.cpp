@@ -38,16 +38,20 @@ TPrevKind PrevKindOf(TUnitKind Kind) {
 }
 
 TStateCache::TStateCache(TTerms &Terms, TSymbolClasses &Classes, const std::vector<TAtom> &Atoms,
-                         uint32_t Root, size_t Limit)
-    : FTerms(Terms), FClasses(Classes), FAtoms(Atoms), FRoot(Root), FLimit(Limit),
-      FStride(Classes.Count() + 1), FSeen(Terms.Count(), 0), FLocal(Terms.Count(), 0) {}
-
-uint32_t TStateCache::StartState() {
-  return AddState(TPrevKind::TextStart, {});
+                         uint32_t Root, bool PositionTests, size_t Limit)
+    : FTerms(Terms), FClasses(Classes), FAtoms(Atoms), FRoot(Root), FPositionTests(PositionTests),
+      FLimit(std::min<size_t>(Limit, size_t(1) << 30)), FStride(Classes.Count() + 1),
+      FSeen(Terms.Count(), 0), FLocal(Terms.Count(), 0) {
+  FIdleRow = int32_t(AddState(TPrevKind::Other, {}) * FStride);
 }
 
+int32_t TStateCache::StartRow() {
+  return int32_t(AddState(Before(TPrevKind::TextStart), {}) * FStride);
+}
+
+// Rows must stay well below 2^29 entries, so the limit has a ceiling.
 void TStateCache::SetLimit(size_t Limit) {
-  FLimit = Limit;
+  FLimit = std::min<size_t>(Limit, size_t(1) << 30);
 }
 
 size_t TStateCache::Bytes() const {
@@ -103,6 +107,7 @@ void TStateCache::Flush(uint32_t &State) {
   FKeep.clear();
   FKeyBytes = 0;
   ++FFlushes;
+  FIdleRow = int32_t(AddState(TPrevKind::Other, {}) * FStride);
   State = AddState(prev, groups);
 }
 
@@ -215,25 +220,27 @@ int32_t TStateCache::Build(uint32_t State, uint32_t Class) {
       keep.push_back(j);
       next.push_back(std::move(step));
     }
-    t.Target = AddState(PrevKindOf(kind), next);
+    t.TargetRow = AddState(Before(PrevKindOf(kind)), next) * uint32_t(FStride);
   } else {
-    t.Target = State;
+    t.TargetRow = State * uint32_t(FStride);
   }
 
   bool keepsOld = keep.size() >= oldCount;
   for (uint32_t i = 0; i < oldCount && keepsOld; ++i)
     keepsOld = keep[i] == i;
-  if (kind != TUnitKind::End && t.Accept < 0 && !t.InjectAccept && keepsOld)
-    t.Effect = keep.size() == oldCount ? TEffect::None : TEffect::Append;
-  else
-    t.Effect = TEffect::General;
-  t.KeepOffset = uint32_t(FKeep.size());
-  t.KeepCount = uint32_t(keep.size());
-  FKeep.insert(FKeep.end(), keep.begin(), keep.end());
-  const int32_t index = int32_t(FTransitions.size());
-  FTransitions.push_back(t);
-  FNext[size_t(State) * FStride + Class] = index;
-  return index;
+  int32_t entry = 0;
+  if (kind != TUnitKind::End && t.Accept < 0 && !t.InjectAccept && keepsOld) {
+    const TEffect effect = keep.size() == oldCount ? TEffect::None : TEffect::Append;
+    entry = int32_t(t.TargetRow << 2) | int32_t(effect);
+  } else {
+    t.KeepOffset = uint32_t(FKeep.size());
+    t.KeepCount = uint32_t(keep.size());
+    FKeep.insert(FKeep.end(), keep.begin(), keep.end());
+    entry = int32_t(FTransitions.size() << 2) | int32_t(TEffect::General);
+    FTransitions.push_back(t);
+  }
+  FNext[size_t(State) * FStride + Class] = entry;
+  return entry;
 }
 
 } // namespace kestrel::longest
