@@ -127,6 +127,8 @@ std::string TTextEncoding::Name() const {
 TTextEncoding TextEncodingFromName(const std::string &Name) {
   const uint32_t cp = CodePageFromName(Name);
   TTextEncoding e;
+  if (cp == 0 && !Name.empty() && Name.find_first_not_of("0123456789") == std::string::npos)
+    throw EConvertError("unknown code page " + Name);
   if (cp == 0)
     throw EConvertError("unknown encoding '" + Name +
                         "': give a code page (1252, cp1251, latin1, koi8-r...), utf-8, "
