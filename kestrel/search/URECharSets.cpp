@@ -1,4 +1,4 @@
-#include <kestrel/search/URECharSets.h>
+#include <kestrel/search/URECharSetsInternal.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <kestrel/search/SearchEngine.h>
-#include <kestrel/search/URECharSets.h>
+#include <kestrel/search/URECharSetsInternal.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
 

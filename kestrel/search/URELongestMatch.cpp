@@ -5,7 +5,7 @@
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
-#include <kestrel/search/URELongestMatchParts.h>
+#include <kestrel/search/URELongestMatchInternal.h>
 #include <kestrel/unicode/Unicode.h>
 
 namespace kestrel {

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/search/URELongestMatchParts.h>
+#include <kestrel/search/URELongestMatchInternal.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/search/WordBounds.h>
 #include <kestrel/unicode/CharTables.h>

@@ -2,7 +2,7 @@
 // no attempt is alive, units that leave the idle state as it is are passed
 // by a table, or by a vector search when the units that matter are a few
 // ranges below 256.
-#include <kestrel/search/URELongestMatchParts.h>
+#include <kestrel/search/URELongestMatchInternal.h>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <kestrel/search/URELongestMatchParts.h>
+#include <kestrel/search/URELongestMatchInternal.h>
 
 namespace kestrel::longest {
 

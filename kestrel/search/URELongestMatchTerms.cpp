@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include <kestrel/search/URELongestMatchParts.h>
+#include <kestrel/search/URELongestMatchInternal.h>
 
 namespace kestrel::longest {
 namespace {
