@@ -164,7 +164,10 @@ std::u16string WriteRanges(TRanges ranges) {
   std::u16string out;
   for (const TCodeRange &r : ranges) {
     out += CodeEscape(r.Low);
-    if (r.High != r.Low) out += u"-" + CodeEscape(r.High);
+    if (r.High != r.Low) {
+      out += u'-';
+      out += CodeEscape(r.High);
+    }
   }
   if (!ranges.empty() && IsHighSurrogateUnit(ranges.back().High) &&
       !IsLowSurrogateUnit(ranges.front().High))
@@ -286,7 +289,10 @@ std::u16string Write(const TCodeSet &Set, bool Negated, bool CaseFold) {
   if (ranges.empty()) return (Negated ? u"(\\P" : u"(\\p") + NumberList(numbers) + u")";
   std::u16string out = Negated ? u"[^" : u"[";
   out += WriteRanges(std::move(ranges));
-  if (numbers != 0) out += u"\\p" + NumberList(numbers);
+  if (numbers != 0) {
+    out += u"\\p";
+    out += NumberList(numbers);
+  }
   return out + u"]";
 }
 
@@ -302,8 +308,10 @@ std::u16string WriteExact(const TCodeSet &Positive, const std::vector<TCodeSet> 
     members = Filled(image);
     others = Filled(Complement(image));
   }
-  const std::u16string plain = u"[" + WriteRanges(members) + u"]";
-  const std::u16string negated = u"[^" + WriteRanges(others) + u"]";
+  // (Built by appending: GCC 12 warns falsely on a literal + a temporary.)
+  std::u16string plain = u"[", negated = u"[^";
+  plain.append(WriteRanges(members)).append(u"]");
+  negated.append(WriteRanges(others)).append(u"]");
   if (members.empty()) return negated;
   if (others.empty()) return plain;
   return negated.size() < plain.size() ? negated : plain;
