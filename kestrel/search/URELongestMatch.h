@@ -70,8 +70,9 @@ public:
   bool Prepared() const { return FAutomaton != nullptr; }
 
   // The memory the cache of states may take before it is emptied (default
-  // 8 MB; at least room for a few states is always kept), and how often it
-  // has been emptied since the last FindPrepare.
+  // 8 MB, at most 1 GB; a limit too small for more than a state or two
+  // empties it at every new transition, slowly, with the same answers), and
+  // how often it has been emptied since the last FindPrepare.
   void SetCacheLimit(size_t Bytes);
   uint64_t CacheFlushes() const;
   // States in the cache now, for tests.
