@@ -6,7 +6,7 @@
 #include <kestrel/unicode/CharDatabase.h>
 #include <kestrel/unicode/WideStrUtils.h>
 
-#include "UnicodeDataFile.h"
+#include "support/UnicodeData.h"
 
 namespace kestrel {
 namespace {

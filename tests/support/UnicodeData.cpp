@@ -1,9 +1,9 @@
-#include "UnicodeDataFile.h"
+#include "UnicodeData.h"
 
 #include <fstream>
 #include <sstream>
 
-#include <TestSupport.h>
+#include "TestSupport.h"
 
 namespace kestrel::test {
 namespace {
