@@ -207,7 +207,7 @@ std::string Json(const std::string &file, const Verdict &v) {
 
 int Run(const Args &args) {
   if (!args.Unknown({"json", "tool"}).empty())
-    throw UsageError{"unknown option --" + args.Unknown({"json", "tool"}).front()};
+    throw UsageError{"unknown option " + args.Unknown({"json", "tool"}).front()};
   if (args.Positional().empty()) throw UsageError{"no file given"};
   const std::optional<tool_type> given = ToolFromName(args.Value("tool"));
   SetCurrentTool();

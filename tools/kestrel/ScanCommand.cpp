@@ -112,7 +112,7 @@ int Run(const Args &args) {
   const std::vector<std::string> known = {"files",         "dirs",      "members", "no-zips",
                                           "zips-as-files", "recursive", "json"};
   if (!args.Unknown(known).empty())
-    throw UsageError{"unknown option --" + args.Unknown(known).front()};
+    throw UsageError{"unknown option " + args.Unknown(known).front()};
   if (args.Positional().size() != 1) throw UsageError{"give one folder"};
   Scan scan(args);
   return scan.Run(args.Positional()[0]);

@@ -270,7 +270,7 @@ int RunSearch(const Args &args) {
   auto unknown =
       args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
                     "pattern-file", "encoding", "json", "files", "recursive", "regex"});
-  if (!unknown.empty()) throw UsageError{"unknown option --" + unknown.front()};
+  if (!unknown.empty()) throw UsageError{"unknown option " + unknown.front()};
   const TextEncoding encoding =
       args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
   const int64_t width = args.Number("width", 30);
@@ -306,7 +306,7 @@ int RunSearch(const Args &args) {
   progress.Done();
   printer->Finish(matches, inputs.size(), withMatches);
   std::fflush(stdout);
-  return 0;
+  return matches > 0 ? 0 : 1; // as grep: 1 when nothing was found
 }
 
 const CommandRegistration kSearch{Command{
