@@ -1,10 +1,11 @@
+// The host's property streaming: the binary form of a list of wide strings.
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <cstring>
 #include <vector>
 
 #include <kestrel/frame/host/Host.h>
+
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 
@@ -35,17 +36,6 @@ public:
   }
 };
 
-std::string Bytes(TMemoryStream &s) {
-  return std::string(static_cast<const char *>(s.Memory()), static_cast<size_t>(s.Size()));
-}
-
-TMemoryStream *StreamOf(const std::string &bytes) {
-  auto *s = new TMemoryStream;
-  s->WriteBuffer(bytes.data(), static_cast<int32_t>(bytes.size()));
-  s->SetPosition(0);
-  return s;
-}
-
 } // namespace
 
 TEST(Filer, WritesTheDocumentedBinaryForm) {
@@ -60,7 +50,7 @@ TEST(Filer, WritesTheDocumentedBinaryForm) {
                        "\x00\xD8\x00\xDC"
                        "\x00\x00",
                        25);
-  EXPECT_EQ(Bytes(s), expected);
+  EXPECT_EQ(test::BytesOf(s), expected);
 }
 
 TEST(Filer, RoundTripsItemsInOrderIncludingEmptyOnes) {
@@ -80,11 +70,11 @@ TEST(Filer, APropertyWithoutDataIsNotWritten) {
   Words w;
   TMemoryStream s;
   TWriter(&s).WriteProperties(&w);
-  EXPECT_EQ(Bytes(s), std::string(1, '\0'));
+  EXPECT_EQ(test::BytesOf(s), std::string(1, '\0'));
   w.always = true;
   TMemoryStream s2;
   TWriter(&s2).WriteProperties(&w);
-  EXPECT_EQ(Bytes(s2), std::string("\x05Words\x01\x00\x00", 9));
+  EXPECT_EQ(test::BytesOf(s2), std::string("\x05Words\x01\x00\x00", 9));
 }
 
 TEST(Filer, BadStreamsRaiseReadErrors) {
@@ -106,22 +96,8 @@ TEST(Filer, BadStreamsRaiseReadErrors) {
       {"no closing name", std::string("\x05Words\x01\x00", 8)},
   };
   for (const auto &c : cases) {
-    std::unique_ptr<TMemoryStream> s(StreamOf(c.bytes));
+    auto s = test::StreamOf(c.bytes);
     Words w;
     EXPECT_THROW(TReader(s.get()).ReadProperties(&w), EReadError) << c.what;
   }
-}
-
-TEST(SysUtils, RaiseLastOSErrorCarriesTheSystemCodeAndText) {
-  try {
-    RaiseLastOSError(2);
-    FAIL();
-  } catch (const EOSError &e) {
-    EXPECT_EQ(e.ErrorCode, 2);
-    EXPECT_NE(e.Message().find("Code: 2."), std::string::npos) << e.Message();
-    EXPECT_NE(e.Message().find(std::strerror(2)), std::string::npos) << e.Message();
-  }
-  EXPECT_THROW(RaiseLastOSError(0), EOSError);
-  errno = 13;
-  EXPECT_EQ(GetLastOSError(), 13);
 }
