@@ -15,7 +15,7 @@
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/search/Search.h>
-#include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
 #include "SearchInputs.h"

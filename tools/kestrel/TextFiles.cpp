@@ -9,6 +9,7 @@
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
 
