@@ -9,7 +9,7 @@
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/TempPath.h>
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
 #include "TestSupport.h"
 #include "frame/ZipTestSupport.h"

@@ -4,7 +4,7 @@
 
 #include <kestrel/unicode/CaseMapping.h>
 #include <kestrel/unicode/CharDatabase.h>
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
 #include "support/UnicodeData.h"
 

@@ -1,12 +1,8 @@
 // Property tests and number lookups over the embedded tables.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
-#include <vector>
 
-#include <kestrel/frame/platform/Platform.h>
-#include <kestrel/frame/platform/Resources.h>
 #include <kestrel/unicode/CharTables.h>
 #include <kestrel/unicode/Unicode.h>
 
@@ -182,112 +178,12 @@ const Expectation kExpectations[] = {
 
 #undef T
 
-TEST(CharDatabaseTest, PropertyTestsAnswerAsTheTablesSay) {
+TEST(CharDatabase, PropertyTestsAnswerAsTheTablesSay) {
   for (const Expectation &e : kExpectations)
     EXPECT_EQ(e.test(e.code), e.expected) << e.what << "(U+" << std::hex << e.code << ")";
 }
 
-// Each test of the family is the union of its properties; the lists are
-// written here independently of the library's masks.
-struct Family {
-  const char *name;
-  TestFn test;
-  std::vector<int> properties;
-  bool inverted = false;
-};
-
-const std::vector<Family> &Families() {
-  static const std::vector<Family> families = {
-      {"Alpha", UnicodeIsAlpha, {14, 15, 16, 17, 18}},
-      {"Digit", UnicodeIsDigit, {3}},
-      {"AlphaNum", UnicodeIsAlphaNum, {3, 14, 15, 16, 17, 18}},
-      {"Control", UnicodeIsControl, {9, 10}},
-      {"Space", UnicodeIsSpace, {6, 13}},
-      {"WhiteSpace", UnicodeIsWhiteSpace, {6, 13, 36, 37}},
-      {"Blank", UnicodeIsBlank, {6}},
-      {"Punctuation", UnicodeIsPunctuation, {20, 21, 22, 23, 47, 48}},
-      {"Graph", UnicodeIsGraph, {0,  1,  2,  3,  4,  5,  14, 15, 16, 17, 18,
-                                 19, 20, 21, 22, 23, 24, 25, 26, 27, 47, 48}},
-      {"Printable", UnicodeIsPrintable, {0,  1,  2,  3,  4,  5,  6,  14, 15, 16, 17, 18,
-                                         19, 20, 21, 22, 23, 24, 25, 26, 27, 47, 48}},
-      {"Upper", UnicodeIsUpper, {14}},
-      {"Lower", UnicodeIsLower, {15}},
-      {"Title", UnicodeIsTitle, {16}},
-      {"HexDigit", UnicodeIsHexDigit, {42}},
-      {"IsoControl", UnicodeIsIsoControl, {9}},
-      {"FormatControl", UnicodeIsFormatControl, {10}},
-      {"Symbol", UnicodeIsSymbol, {24, 25, 26, 27}},
-      {"Number", UnicodeIsNumber, {3, 4, 5}},
-      {"NonSpacing", UnicodeIsNonSpacing, {0}},
-      {"OpenPunctuation", UnicodeIsOpenPunctuation, {21}},
-      {"ClosePunctuation", UnicodeIsClosePunctuation, {22}},
-      {"InitialPunctuation", UnicodeIsInitialPunctuation, {47}},
-      {"FinalPunctuation", UnicodeIsFinalPunctuation, {48}},
-      {"Composite", UnicodeIsComposite, {39}},
-      {"QuotationMark", UnicodeIsQuotationMark, {43}},
-      {"Symmetric", UnicodeIsSymmetric, {41}},
-      {"Mirroring", UnicodeIsMirroring, {44}},
-      {"NonBreaking", UnicodeIsNonBreaking, {40}},
-      {"RTL", UnicodeIsRTL, {29}},
-      {"LTR", UnicodeIsLTR, {28}},
-      {"Strong", UnicodeIsStrong, {28, 29}},
-      {"Weak", UnicodeIsWeak, {30, 31, 32, 33, 34}},
-      {"Neutral", UnicodeIsNeutral, {35, 36, 37, 38}},
-      {"Separator", UnicodeIsSeparator, {35, 36}},
-      {"Mark", UnicodeIsMark, {0, 1, 2}},
-      {"Modifier", UnicodeIsModifier, {17}},
-      {"LetterNumber", UnicodeIsLetterNumber, {4}},
-      {"ConnectionPunctuation", UnicodeIsConnectionPunctuation, {19}},
-      {"Dash", UnicodeIsDash, {20}},
-      {"Math", UnicodeIsMath, {24}},
-      {"Currency", UnicodeIsCurrency, {25}},
-      {"ModifierSymbol", UnicodeIsModifierSymbol, {26}},
-      {"NonSpacingMark", UnicodeIsNonSpacingMark, {0}},
-      {"SpacingMark", UnicodeIsSpacingMark, {1}},
-      {"Enclosing", UnicodeIsEnclosing, {2}},
-      {"Private", UnicodeIsPrivate, {12}},
-      {"Surrogate", UnicodeIsSurrogate, {11}},
-      {"LineSeparator", UnicodeIsLineSeparator, {7}},
-      {"ParagraphSeparator", UnicodeIsParagraphSeparator, {8}},
-      {"IdenifierStart", UnicodeIsIdenifierStart, {4, 14, 15, 16, 18}},
-      {"IdentifierPart", UnicodeIsIdentifierPart, {0, 1, 3, 4, 10, 14, 15, 16, 18, 19}},
-      {"Defined", UnicodeIsDefined, {46}},
-      {"Undefined", UnicodeIsUndefined, {46}, true},
-  };
-  return families;
-}
-
-// Code points to sweep: the whole of the 16-bit range below the Han blocks,
-// a sample above, and the edges of the supplementary range.
-std::vector<UCS4> SweepCodes() {
-  std::vector<UCS4> codes;
-  for (UCS4 c = 0; c < 0x3400; ++c)
-    codes.push_back(c);
-  for (UCS4 c = 0x3400; c <= 0xFFFF; c += 7)
-    codes.push_back(c);
-  for (UCS4 c : {0xFFFFu, 0x10000u, 0x10001u, 0x10FFFFu, 0x110000u, 0xFFFFFFFFu})
-    codes.push_back(c);
-  return codes;
-}
-
-TEST(CharDatabaseTest, EachFamilyMemberIsTheUnionOfItsProperties) {
-  ASSERT_EQ(Families().size(), 53u);
-  std::vector<UCS4> codes = SweepCodes();
-  for (const Family &f : Families()) {
-    uint32_t mask1 = 0, mask2 = 0;
-    for (int p : f.properties)
-      (p < 32 ? mask1 : mask2) |= uint32_t(1) << (p % 32);
-    for (UCS4 c : codes) {
-      bool any = false;
-      for (int p : f.properties)
-        any = any || UnicodeLookupProperty(c, p);
-      ASSERT_EQ(f.test(c), any != f.inverted) << f.name << " U+" << std::hex << c;
-      ASSERT_EQ(UnicodeTestProperties(c, mask1, mask2), any) << f.name << " U+" << std::hex << c;
-    }
-  }
-}
-
-TEST(CharDatabaseTest, MaskTestReachesOnlyTheTablesProperties) {
+TEST(CharDatabase, MaskTestReachesOnlyTheTablesProperties) {
   EXPECT_FALSE(UnicodeTestProperties(0x0041, 0, 0));
   EXPECT_TRUE(UnicodeTestProperties(0x0041, 1u << 14, 0));
   EXPECT_FALSE(UnicodeTestProperties(0x0041, 1u << 15, 0));
@@ -300,62 +196,7 @@ TEST(CharDatabaseTest, MaskTestReachesOnlyTheTablesProperties) {
   EXPECT_FALSE(UnicodeLookupProperty(0x0041, 1000));
 }
 
-// The bisection told for the stored table, step by step, over the raw bytes
-// of the embedded resource: the library's faster loop must agree everywhere.
-class StoredTypeTable {
-public:
-  StoredTypeTable() {
-    const ResourceBlob *blob = FindResourceBlob(KestrelModuleHandle(), "TYPE", "UNICODE");
-    if (blob) bytes_.assign(blob->data, blob->data + blob->size);
-  }
-  bool Valid() const { return bytes_.size() > 8; }
-  uint16_t Count() const { return U16(2); }
-  uint16_t Offset(int n) const { return U16(8 + 2 * n); }
-  uint32_t Range(int i) const { return U32(8 + ((Count() + 2) / 2) * 4 + 4 * i); }
-
-  bool Lookup(UCS4 code, int n) const {
-    int32_t l = Offset(n);
-    if (l == 0xFFFF) return false;
-    int k = n + 1;
-    while (Offset(k) == 0xFFFF && k < Count())
-      ++k;
-    int32_t r = int32_t(Offset(k)) - 1;
-    while (l <= r) {
-      int32_t m = (l + r) >> 1;
-      m -= m & 1;
-      if (code > Range(m + 1))
-        l = m + 2;
-      else if (code < Range(m))
-        r = m - 2;
-      else
-        return true;
-    }
-    return false;
-  }
-
-private:
-  uint16_t U16(size_t at) const { return uint16_t(bytes_[at] | bytes_[at + 1] << 8); }
-  uint32_t U32(size_t at) const {
-    return uint32_t(bytes_[at]) | uint32_t(bytes_[at + 1]) << 8 | uint32_t(bytes_[at + 2]) << 16 |
-           uint32_t(bytes_[at + 3]) << 24;
-  }
-  std::vector<uint8_t> bytes_;
-};
-
-TEST(CharDatabaseTest, LookupAgreesWithTheStepwiseBisection) {
-  StoredTypeTable stored;
-  ASSERT_TRUE(stored.Valid());
-  ASSERT_EQ(stored.Count(), 49);
-  std::vector<UCS4> codes = SweepCodes();
-  for (UCS4 c = 0x3400; c <= 0xFFFF; c += 5) // a second, shifted sample
-    codes.push_back(c);
-  for (int n = 0; n < 49; ++n)
-    for (UCS4 c : codes)
-      ASSERT_EQ(UnicodeLookupProperty(c, n), stored.Lookup(c, n))
-          << "property " << n << " U+" << std::hex << c;
-}
-
-TEST(CharDatabaseTest, EveryRangeEdgeIsFound) {
+TEST(CharDatabase, EveryRangeEdgeIsFound) {
   // Both ends of each stored range hold, the codes just outside do not
   // (ranges never touch, so the neighbours are outside).
   const TTypeTable &t = TypeTable();
@@ -372,35 +213,12 @@ TEST(CharDatabaseTest, EveryRangeEdgeIsFound) {
     }
 }
 
-TEST(CharDatabaseTest, PropertySizesAreThoseOfTheTable) {
-  // Ranges and code points per property, as stored.
-  const uint32_t ranges[49] = {95,  51,  4,   20, 4,  18,  6,  1,   1,  2,  7,  1,  1,
-                               0,   371, 374, 10, 18, 191, 7,  11,  38, 36, 65, 35, 10,
-                               22,  98,  314, 33, 10, 2,   24, 2,   11, 5,  3,  7,  205,
-                               212, 4,   26,  6,  12, 0,   1,  360, 5,  4};
-  const uint32_t points[49] = {
-      450, 118,   10, 198, 49,   184,  17,  1,   1,  65, 24,   1048576, 6400,  0,   686, 804, 31,
-      46,  37685, 11, 17,  38,   37,   185, 299, 31, 69, 2005, 1094194, 1038,  111, 2,   59,  12,
-      11,  7,     3,  17,  2501, 1033, 4,   85,  44, 29, 0,    5,       42981, 6,   4};
-  const TTypeTable &t = TypeTable();
-  ASSERT_EQ(t.Count, 49);
-  EXPECT_EQ(t.PropertyOffsets[49], 5486);
-  for (unsigned n = 0; n < 49; ++n) {
-    uint64_t total = 0;
-    for (uint32_t i = 0; i < t.Spans[n].Pairs; ++i)
-      total += t.PropertyRanges[t.Spans[n].Start + 2 * i + 1] -
-               t.PropertyRanges[t.Spans[n].Start + 2 * i] + 1;
-    EXPECT_EQ(t.Spans[n].Pairs, ranges[n]) << UnicodePropertyLabels[n];
-    EXPECT_EQ(total, points[n]) << UnicodePropertyLabels[n];
-  }
-}
-
 struct NumberCase {
   UCS4 code;
   int32_t numerator, denominator, digit;
 };
 
-TEST(CharDatabaseTest, NumbersAndDigits) {
+TEST(CharDatabase, NumbersAndDigits) {
   const NumberCase cases[] = {
       {0x0030, 0, 0, 0},
       {0x0037, 7, 7, 7},
@@ -435,7 +253,7 @@ TEST(CharDatabaseTest, NumbersAndDigits) {
   }
 }
 
-TEST(CharDatabaseTest, EveryNumberRowIsFoundAndNothingBetween) {
+TEST(CharDatabase, EveryNumberRowIsFoundAndNothingBetween) {
   const TNumberTable &t = NumberTable();
   ASSERT_EQ(t.Count, 810);
   ASSERT_EQ(t.NumberValues.size(), 96u);

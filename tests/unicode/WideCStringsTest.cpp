@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
 namespace kestrel {
 namespace {
