@@ -1,5 +1,5 @@
 // The kestrel commands end to end: each row of the table runs the built program
-// in a fresh folder of input files and compares what it prints (exit code,
+// in a fresh copy of the input files (inputs/) and compares what it prints (exit code,
 // standard output, standard error, and any file it was asked to leave) with a
 // golden file in golden/. KESTREL_UPDATE_GOLDEN=1 rewrites the golden files
 // instead; review the difference before committing it.
@@ -14,8 +14,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-
-#include <kestrel/vocabulary/WdefStoredFiles.h>
 
 #include "support/RunKestrel.h"
 #include "support/TestSupport.h"
@@ -117,65 +115,15 @@ const Row kRows[] = {
 };
 // clang-format on
 
-std::string StoredHead(int32_t number, const char *signature) {
-  TCheckSignature h{};
-  h.signature_number = number;
-  h.signature = signature;
-  return std::string(reinterpret_cast<const char *>(&h), sizeof h) + "data";
-}
-
-void SetTime(const std::string &path, std::time_t t) {
-  const struct timespec times[2] = {{t, 0}, {t, 0}};
-  ::utimensat(AT_FDCWD, path.c_str(), times, 0);
-}
-
-// The input files every row may use.
-void WriteInputs(const TempDir &dir) {
-  const std::u16string text = u"x\u00E9\n  the Kestrel \U00010400 kestrel.";
-  dir.WriteFile("le.txt", Utf16Bytes(text));
-  dir.WriteFile("be.txt", Utf16Bytes(text, true));
-  dir.WriteFile("u8.txt", "x\xC3\xA9\n  the Kestrel \xF0\x90\x90\x80 kestrel.");
-  dir.WriteFile("u8bom.txt", "\xEF\xBB\xBFx\xC3\xA9\n  the Kestrel \xF0\x90\x90\x80 kestrel.");
-  dir.WriteFile("flags.txt", "Kestrel kestrels a  b cre\xCC\x81"
-                             "cerelle\n");
-  dir.WriteFile("falcon.txt", "one falcon\nand a long line before the falcon here\n");
-  dir.WriteFile("half-pattern.txt", Utf16Bytes(u"\xD800z\r\n")); // a lone half
-  dir.WriteFile("half-text.txt", Utf16Bytes(u"ab\xD800zc"));
-  dir.WriteFile("latin.txt", "caf\xE9 au lait");
-  // Line 2 starts at unit 16; the pair before "kettle" counts two units.
-  dir.WriteFile("regex.txt", "The Kestrel sat\nkestrels \xF0\x90\x90\x80 kettle.\n");
-  dir.WriteFile("class-pattern.txt", Utf16Bytes(u"[\U00010400] ")); // beyond the basic plane
-  dir.WriteFile("cp1252.txt", "caf\xE9 \x80");
-  dir.WriteFile("cafe-utf8.txt", "caf\xC3\xA9");
-  dir.WriteFile("sjis.txt", "\x93\xFA\x96\x7B");
-  dir.WriteFile("nihon-utf8.txt", "\xE6\x97\xA5\xE6\x9C\xAC");
-  dir.WriteFile("korean.txt", "\xC7\xD1"); // no Hangul in Big5
-  dir.WriteFile("empty.txt", "");
-  dir.WriteFile("a-utf16.bin", std::string("A\0", 2));
-  dir.WriteFile("pair.bin", Utf16Bytes(u"\U0001F600"));
-  dir.WriteFile("lone.bin", Utf16Bytes(u"\xD800"
-                                       "a"));
-  dir.WriteFile("lone-utf8.bin", "\xED\xA0\x80"
-                                 "a");
-  dir.WriteFile("han.txt", "a\xE4\xB8\xAD");
-  dir.WriteFile("odd.bin", "abc");
-  dir.WriteFile("keep.bin", "keep");
-  // A corpus: a.txt, sub/b.txt, and c.zip whose third member is d/e.txt in
-  // UTF-16 with its mark; every date fixed.
+// The input files every row may use: a copy of inputs/, with the dates of
+// the corpus fixed (the ZIP members carry theirs).
+void CopyInputs(const TempDir &dir) {
+  namespace fs = std::filesystem;
+  fs::copy(SourceDir() + "/tests/tools/kestrel/inputs", dir.Path(), fs::copy_options::recursive);
   const std::time_t when = LocalTime(2004, 7, 15, 13, 45, 30);
-  dir.WriteFile("corpus/a.txt", "the kestrel hovers\n");
-  dir.WriteFile("corpus/sub/b.txt", "a kestrel in the sub-folder\n");
-  WriteZip(dir / "corpus/c.zip", {{"readme.doc", "no text", when},
-                                  {"d/", "", when},
-                                  {"d/e.txt", Utf16Bytes(u"one kestrel in a member\n"), when}});
+  const struct timespec times[2] = {{when, 0}, {when, 0}};
   for (const char *name : {"corpus/a.txt", "corpus/sub/b.txt", "corpus/c.zip"})
-    SetTime(dir / name, when);
-  dir.WriteFile("bad.zip", std::string("PK\x03\x04", 4) + "not an archive");
-  // Stored lists of the suite.
-  dir.WriteFile("lists/w.lst", StoredHead(37, "Word List32"));
-  dir.WriteFile("lists/k.kws", StoredHead(36, "Key Word List32"));
-  dir.WriteFile("lists/plain.txt", "just words");
-  WriteZip(dir / "lists/b.zip", {{"one.cnc", "x"}}, "Marlow Batch file .cnc");
+    ::utimensat(AT_FDCWD, (dir / name).c_str(), times, 0);
 }
 
 // The length of the UTF-8 sequence that starts at s[i], 0 when none does.
@@ -251,7 +199,7 @@ class Commands : public ::testing::TestWithParam<Row> {};
 TEST_P(Commands, PrintWhatTheGoldenFileHolds) {
   const Row &row = GetParam();
   TempDir dir;
-  WriteInputs(dir);
+  CopyInputs(dir);
   const std::string got = Result(row, dir);
   const std::string golden =
       SourceDir() + "/tests/tools/kestrel/golden/" + std::string(row.golden) + ".txt";
