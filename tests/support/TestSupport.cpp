@@ -9,6 +9,7 @@
 
 #include <kestrel/frame/host/TStream.h>
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/vocabulary/my_types.h>
 
 namespace kestrel::test {
 
@@ -96,6 +97,13 @@ ScriptedMessageBoxes::ScriptedMessageBoxes(std::deque<int32_t> answers)
 
 ScriptedMessageBoxes::~ScriptedMessageBoxes() {
   SetMessageBoxHandler(previous_);
+}
+
+ToolGuard::ToolGuard(tool_type now) : saved_(current_tool_var) {
+  current_tool_var = now;
+}
+ToolGuard::~ToolGuard() {
+  current_tool_var = saved_;
 }
 
 std::string SharedDataDir() {

@@ -14,6 +14,7 @@
 namespace kestrel {
 class TMemoryStream;
 class TSearchEngine;
+enum class tool_type : uint8_t;
 } // namespace kestrel
 
 namespace kestrel::test {
@@ -68,6 +69,17 @@ private:
   std::deque<int32_t> answers_;
   std::vector<Box> boxes_;
   MessageBoxHandler previous_;
+};
+
+// Makes a tool the running one for the life of the object, then restores the
+// one that ran before.
+class ToolGuard {
+public:
+  explicit ToolGuard(tool_type now);
+  ~ToolGuard();
+
+private:
+  tool_type saved_;
 };
 
 // The folder of the shared input data, or empty when it is not beside the

@@ -4,22 +4,18 @@
 #include <cstring>
 #include <string>
 
-#include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/vocabulary/Vocabulary.h>
+
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
 
 namespace kestrel {
 namespace {
 
 using enum list_type;
 using test::TempDir;
-
-struct ToolGuard {
-  tool_type saved = current_tool_var;
-  explicit ToolGuard(tool_type now) { current_tool_var = now; }
-  ~ToolGuard() { current_tool_var = saved; }
-};
+using test::ToolGuard;
 
 // A 32-bit head with its number and signature, then `extra` bytes of data.
 std::string Head32(int32_t number, std::string_view signature, size_t extra = 1) {
@@ -39,15 +35,6 @@ std::string OlderHead(uint8_t count, std::string_view text, bool zeroAt1 = false
   bytes.append(text);
   bytes.resize(41, '\0');
   return bytes + std::string(extra, 'd');
-}
-
-// An archive with no entries: only the end record, with the comment.
-std::string EmptyZipBytes(const std::string &comment) {
-  std::string bytes("PK\x05\x06", 4);
-  bytes.append(16, '\0');
-  bytes.push_back(static_cast<char>(comment.size() & 0xFF));
-  bytes.push_back(static_cast<char>(comment.size() >> 8));
-  return bytes + comment;
 }
 
 struct Answer {
@@ -237,7 +224,7 @@ TEST(BatchZip, CommentNamesTheKind) {
 
 TEST(BatchZip, EmptyArchiveAndForeignFiles) {
   TempDir dir;
-  dir.WriteFile("empty.zip", EmptyZipBytes("Marlow Batch file .cnc"));
+  dir.WriteFile("empty.zip", test::EmptyZipBytes("Marlow Batch file .cnc"));
   Answer a = Ask(dir / "empty.zip", IsABatchZipFileForListType);
   EXPECT_FALSE(a.result);
   EXPECT_EQ(a.kind, none_in_use);
