@@ -319,8 +319,19 @@ TEST(WideStringList, SortedListsRefusePlacedWritesBeforeAnyEvent) {
   EXPECT_EQ(ev.changing + ev.changed, 4);
 }
 
+// The modes carry the names and ordinals of the stored enumeration; a new list
+// ignores duplicates.
+TEST(WideStringList, DuplicateModesAreNamedAndNumbered) {
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesIgnore), 0);
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesAccept), 1);
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesError), 2);
+  EXPECT_EQ(TWideStringList().Duplicates, TDuplicates::DuplicatesIgnore);
+}
+
 TEST(WideStringList, DuplicatesInASortedList) {
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesError), 2); // the stored enumeration's ordinal
   List list({u"pear", u"Apple", u"fig"}, true);
+  EXPECT_EQ(list.Duplicates, TDuplicates::DuplicatesIgnore);
   EXPECT_EQ(ItemsOf(list), (Lines{u"Apple", u"fig", u"pear"}));
   Events ev(list);
   EXPECT_EQ(list.Add(u"APPLE"), 0); // ignored: the found index, nothing fires
@@ -330,14 +341,14 @@ TEST(WideStringList, DuplicatesInASortedList) {
   EXPECT_EQ(list.GetObject(1), &obj); // stored in the existing item
   EXPECT_EQ(list.Get(1), u"fig");
 
-  list.Duplicates = TDuplicates::dupError;
+  list.Duplicates = TDuplicates::DuplicatesError;
   try {
     list.Add(u"pEAR");
     FAIL();
   } catch (const EStringListError &e) {
     EXPECT_EQ(e.Message(), Consts::SDuplicateString);
   }
-  list.Duplicates = TDuplicates::dupAccept;
+  list.Duplicates = TDuplicates::DuplicatesAccept;
   list.Add(u"PEAR");
   list.Add(u"Pear");
   EXPECT_EQ(ItemsOf(list), (Lines{u"Apple", u"fig", u"Pear", u"PEAR", u"pear"}));
