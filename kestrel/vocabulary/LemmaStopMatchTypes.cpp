@@ -1,5 +1,4 @@
-// Unit LemmaStopMatchTypes: the start-up pair and its count. The unit's state is set up here
-// as its parts are built.
+// Unit LemmaStopMatchTypes: its start-up and finalisation do no work.
 #include <kestrel/frame/Units.h>
 
 KESTREL_DEFINE_UNIT(LemmaStopMatchTypes, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

@@ -1,5 +1,4 @@
-// Unit Wdef: the start-up pair and its count. The unit's state is set up here
-// as its parts are built.
+// Unit Wdef: its start-up and finalisation do no work.
 #include <kestrel/frame/Units.h>
 
 KESTREL_DEFINE_UNIT(Wdef, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)
