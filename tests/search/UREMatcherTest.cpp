@@ -17,10 +17,7 @@ struct MatchCase {
 };
 
 std::string Name(const MatchCase &c) {
-  std::string out;
-  for (char16_t u : c.pattern + u" on " + c.text)
-    out += (u >= 0x20 && u < 0x7F) ? char(u) : '~';
-  return out;
+  return Show(c.pattern) + " on " + Show(c.text);
 }
 
 void Check(const MatchCase cases[], size_t n) {
