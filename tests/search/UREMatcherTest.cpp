@@ -60,22 +60,20 @@ TEST(UREMatcher, TheLaterSymbolWinsWhereTwoOverlap) {
 }
 
 TEST(UREMatcher, LineAnchors) {
-  const MatchCase cases[] = {
-      {u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
-      {u"^a", u"b\na", {{2, 3}}},
-      {u"^a", u"\na", {}},
-      {u"^a", u"b\r\na", {{3, 4}}},
-      {u"^a", u"b\u2028a", {{2, 3}}},
-      {u"a$", u"a\nb", {{0, 1}}},
-      {u"a$", u"a", {{0, 1}}},
-      {u"a$", u"a\n", {{0, 2}}},
-      {u"a$", u"a\r\nb", {{0, 1}}},
-      {u"a$", u"a\r\n", {{0, 3}}},
-      {u"a$", u"a\u2029", {{0, 2}}},
-      {u"b$", u"ab", {{1, 2}}},
-      {u"$", u"ab", {}},
-      {u"a$b", u"a\nb", {{0, 3}}},
-  };
+  const MatchCase cases[] = {{u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
+                             {u"^a", u"b\na", {{2, 3}}},
+                             {u"^a", u"\na", {}},
+                             {u"^a", u"b\r\na", {{3, 4}}},
+                             {u"^a", u"b\u2028a", {{2, 3}}},
+                             {u"a$", u"a\nb", {{0, 1}}},
+                             {u"a$", u"a", {{0, 1}}},
+                             {u"a$", u"a\n", {{0, 2}}},
+                             {u"a$", u"a\r\nb", {{0, 1}}},
+                             {u"a$", u"a\r\n", {{0, 3}}},
+                             {u"a$", u"a\u2029", {{0, 2}}},
+                             {u"b$", u"ab", {{1, 2}}},
+                             {u"$", u"ab", {}},
+                             {u"a$b", u"a\nb", {{0, 3}}}};
   Check(cases, std::size(cases));
 }
 

@@ -84,13 +84,11 @@ TEST(WideStrings, CommaTextQuotesWhatNeedsItAndReadsBack) {
     back.SetCommaText(text);
     EXPECT_EQ(ItemsOf(back), items) << test::Show(text);
   }
-  const std::pair<std::u16string, Lines> separators[] = {
-      {u",", {u""}},
-      {u"a b", {u"a", u"b"}},
-      {u"  a ,  b  ,", {u"a", u"b"}},
-      {u"\"a\"b", {u"a", u"b"}},
-      {u"\"unterminated", {u"unterminate"}},
-  };
+  const std::pair<std::u16string, Lines> separators[] = {{u",", {u""}},
+                                                         {u"a b", {u"a", u"b"}},
+                                                         {u"  a ,  b  ,", {u"a", u"b"}},
+                                                         {u"\"a\"b", {u"a", u"b"}},
+                                                         {u"\"unterminated", {u"unterminate"}}};
   for (const auto &[text, items] : separators) {
     List list;
     list.SetCommaText(text);

@@ -14,18 +14,16 @@ TEST(SysUtils, PathParts) {
   struct Row {
     std::string (*fn)(std::string_view);
     const char *in, *out;
-  } rows[] = {
-      {ExtractFilePath, "/a/b/c.txt", "/a/b/"},
-      {ExtractFilePath, "c.txt", ""},
-      {ExtractFilePath, "C:x", "C:"},
-      {ExtractFileName, "/a/b/c.txt", "c.txt"},
-      {ExtractFileExt, "/a.d/b", ""},
-      {ExtractFileExt, "b.tar.gz", ".gz"},
-      {ExtractFileDir, "/a/b/c", "/a/b"},
-      {ExtractFileDir, "/c", "/"},
-      {IncludeTrailingPathDelimiter, "/a", "/a/"},
-      {IncludeTrailingPathDelimiter, "/a/", "/a/"},
-  };
+  } rows[] = {{ExtractFilePath, "/a/b/c.txt", "/a/b/"},
+              {ExtractFilePath, "c.txt", ""},
+              {ExtractFilePath, "C:x", "C:"},
+              {ExtractFileName, "/a/b/c.txt", "c.txt"},
+              {ExtractFileExt, "/a.d/b", ""},
+              {ExtractFileExt, "b.tar.gz", ".gz"},
+              {ExtractFileDir, "/a/b/c", "/a/b"},
+              {ExtractFileDir, "/c", "/"},
+              {IncludeTrailingPathDelimiter, "/a", "/a/"},
+              {IncludeTrailingPathDelimiter, "/a/", "/a/"}};
   for (const Row &r : rows)
     EXPECT_EQ(r.fn(r.in), r.out) << r.in;
   EXPECT_EQ(ChangeFileExt("/x/b.txt", ".lst"), "/x/b.lst");

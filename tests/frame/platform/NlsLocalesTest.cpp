@@ -75,29 +75,27 @@ struct CodePageRow {
 };
 
 TEST(NlsLocales, DefaultCodePages) {
-  const CodePageRow rows[] = {
-      {kEnglishUS, "1252", "437"},
-      {kEnglishUK, "1252", "850"},
-      {kGerman, "1252", "850"},
-      {kFrench, "1252", "850"},
-      {kPolish, "1250", "852"},
-      {kRussian, "1251", "866"},
-      {kGreek, "1253", "737"},
-      {kTurkish, "1254", "857"},
-      {kHebrew, "1255", "862"},
-      {kArabic, "1256", "720"},
-      {kLithuanian, "1257", "775"},
-      {kVietnamese, "1258", "1258"},
-      {kThai, "874", "874"},
-      {kJapanese, "932", "932"},
-      {kChineseChina, "936", "936"},
-      {kKorean, "949", "949"},
-      {kChineseTaiwan, "950", "950"},
-      {kSerbianLatin, "1250", "852"},
-      {kSerbianCyrillic, "1251", "855"},
-      {kHindi, "0", "1"},
-      {LOCALE_INVARIANT, "1252", "437"},
-  };
+  const CodePageRow rows[] = {{kEnglishUS, "1252", "437"},
+                              {kEnglishUK, "1252", "850"},
+                              {kGerman, "1252", "850"},
+                              {kFrench, "1252", "850"},
+                              {kPolish, "1250", "852"},
+                              {kRussian, "1251", "866"},
+                              {kGreek, "1253", "737"},
+                              {kTurkish, "1254", "857"},
+                              {kHebrew, "1255", "862"},
+                              {kArabic, "1256", "720"},
+                              {kLithuanian, "1257", "775"},
+                              {kVietnamese, "1258", "1258"},
+                              {kThai, "874", "874"},
+                              {kJapanese, "932", "932"},
+                              {kChineseChina, "936", "936"},
+                              {kKorean, "949", "949"},
+                              {kChineseTaiwan, "950", "950"},
+                              {kSerbianLatin, "1250", "852"},
+                              {kSerbianCyrillic, "1251", "855"},
+                              {kHindi, "0", "1"},
+                              {LOCALE_INVARIANT, "1252", "437"}};
   for (const auto &r : rows) {
     EXPECT_EQ(InfoA(r.lcid, LOCALE_IDEFAULTANSICODEPAGE), r.ansi) << std::hex << r.lcid;
     EXPECT_EQ(InfoA(r.lcid, LOCALE_IDEFAULTCODEPAGE), r.oem) << std::hex << r.lcid;
