@@ -51,5 +51,6 @@ KESTREL_UNIT_ROWS(KESTREL_UNIT_ENTRIES)
   }
 
 namespace kestrel {
+// The Start or Stop of a unit that has nothing to do.
 inline void NoUnitWork() {}
 } // namespace kestrel
