@@ -23,10 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string Bytes(TMemoryStream &s) {
-  return std::string(static_cast<const char *>(s.Memory()), static_cast<size_t>(s.Size()));
-}
-
 // A memory stream over given bytes that notes the largest read asked of it.
 class Probe : public TMemoryStream {
 public:
@@ -85,7 +81,7 @@ TEST(StreamFields, FormsOnTheStream) {
     SCOPED_TRACE(r.what);
     TMemoryStream s;
     EXPECT_EQ(r.write(&s), r.result);
-    EXPECT_EQ(Bytes(s), r.bytes);
+    EXPECT_EQ(test::BytesOf(s), r.bytes);
   }
 }
 
@@ -97,7 +93,7 @@ TEST(StreamFields, ShortStringKeepsTheLowEightBitsOfTheLength) {
   WriteShortString(&a, s255);
   EXPECT_EQ(a.Size(), 256);
   WriteShortString(&b, s300);
-  EXPECT_EQ(Bytes(b), std::string(1, char(44)) + s300.substr(0, 44));
+  EXPECT_EQ(test::BytesOf(b), std::string(1, char(44)) + s300.substr(0, 44));
   b.SetPosition(0);
   EXPECT_EQ(ReadShortString(&b), s300.substr(0, 44));
 }

@@ -50,15 +50,6 @@ std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes) {
   return s;
 }
 
-std::string Utf16Bytes(const std::u16string &text, bool bigEndian, bool mark) {
-  std::string out = mark ? (bigEndian ? "\xFE\xFF" : "\xFF\xFE") : "";
-  for (char16_t c : text) {
-    char hi = static_cast<char>(c >> 8), lo = static_cast<char>(c & 0xFF);
-    out += bigEndian ? std::string{hi, lo} : std::string{lo, hi};
-  }
-  return out;
-}
-
 std::string Show(const std::u16string &text) {
   std::string out;
   for (char16_t u : text) {

@@ -43,8 +43,6 @@ std::string ReadFileBytes(const std::string &path);
 std::string BytesOf(TMemoryStream &stream);
 std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes);
 
-// UTF-16 bytes of a text, little- or big-endian, with or without the mark.
-std::string Utf16Bytes(const std::u16string &text, bool bigEndian = false, bool mark = true);
 // A wide text for failure messages: printable ASCII as itself, other units as \uXXXX.
 std::string Show(const std::u16string &text);
 
