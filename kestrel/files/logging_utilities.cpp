@@ -2,12 +2,10 @@
 // the file name.
 #include <kestrel/files/logging_utilities.h>
 
-#include <cstdio>
-
 #include <kestrel/frame/Units.h>
 #include <kestrel/frame/host/DateUtils.h>
 #include <kestrel/frame/host/SysUtils.h>
-#include <kestrel/frame/platform/Platform.h>
+#include <kestrel/frame/host/TFileStream.h>
 
 namespace kestrel {
 
@@ -17,13 +15,13 @@ namespace {
 
 std::string gLogFileName;
 
-// One open-append-flush-close; false when any step fails.
-bool AppendLine(const std::string &bytes) {
-  std::FILE *f = std::fopen(NativePath(gLogFileName).c_str(), "ab");
-  if (!f) return false;
-  bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-  ok = std::fflush(f) == 0 && ok;
-  return std::fclose(f) == 0 && ok;
+// One open-append-close through the host's file stream, which raises when a
+// step fails. The file is opened with no sharing denied, as a text file is.
+void AppendLine(const std::string &bytes) {
+  const bool exists = FileExists(gLogFileName);
+  TFileStream file(gLogFileName, exists ? fmOpenWrite | fmShareDenyNone : fmCreate);
+  file.Seek(int64_t(0), TSeekOrigin::soEnd);
+  file.WriteBuffer(bytes.data(), static_cast<int32_t>(bytes.size()));
 }
 
 void ForgetLogFile() {
@@ -39,8 +37,8 @@ void SetLogFilename(const std::string &fileName) {
 void AddToLogFile(const std::u16string &line) {
   if (!keeping_log || gLogFileName.empty()) return;
   try {
-    if (!AppendLine(AnsiStringFromWide(line) + "\r\n")) keeping_log = false;
-  } catch (...) { // out of memory, say: logging goes off, the tool goes on
+    AppendLine(AnsiStringFromWide(line) + "\r\n");
+  } catch (...) { // no folder, no room, no memory: logging goes off, the tool goes on
     keeping_log = false;
   }
 }

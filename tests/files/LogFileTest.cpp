@@ -4,8 +4,8 @@
 
 #include <regex>
 
-#include "TestSupport.h"
-#include "frame/FileSizeLimit.h"
+#include "support/FileSizeLimit.h"
+#include "support/TestSupport.h"
 #include <kestrel/files/logging_utilities.h>
 #include <kestrel/frame/host/SysUtils.h>
 

@@ -3,7 +3,7 @@
 
 #include <sys/stat.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 #include <kestrel/files/inifileU2.h>
 
 using namespace kestrel;

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <memory>
 
-#include "TestSupport.h"
-#include "frame/FileSizeLimit.h"
+#include "support/FileSizeLimit.h"
+#include "support/TestSupport.h"
 #include <kestrel/files/logging_utilities.h>
 #include <kestrel/frame/Frame.h>
 #include <kestrel/frame/host/AnsiStrings.h>

@@ -1,6 +1,7 @@
 // kestrel langs: the languages of the system, or the favourites of an
 // all-languages file.
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <sstream>
 
@@ -80,20 +81,30 @@ std::string YesNo(bool b) {
   return b ? "yes" : "no";
 }
 
+// A line of the readable form; texts the favourite leaves empty are not shown.
+void Line(std::ostringstream &out, const char *label, const std::string &value) {
+  if (!value.empty())
+    out << "  " << label << std::string(17 - std::strlen(label), ' ') << value << "\n";
+}
+
 void PrintFavourite(const fixed_lang_details_rec &d) {
   std::ostringstream out;
-  out << Utf8Text(d.LanguageName.str()) << (d.CustomLanguage ? "  (custom language)" : "") << "\n"
-      << "  preference       " << LangPreferenceText(d.Preference) << "\n"
-      << "  sort as in       " << Hex(d.SortLCID) << "\n"
-      << "  code pages       Windows " << d.WindowsCodepage << ", DOS " << d.DosCodepage << "\n"
-      << "  font             " << Utf8Text(d.WinFontName.str()) << ", size " << int(d.WinFontSize)
-      << ", character set " << int(d.WinFontCharset) << "\n"
-      << "  currency         " << Utf8Text(d.AnsiCurrency.str()) << "\n"
-      << "  within a word    " << Utf8Text(d.Allowables.str())
-      << (d.AllowExtraToEndOfWord ? "  (may also end a word)" : "") << "\n"
-      << "  hyphen breaks    " << YesNo(d.HyphenBreaks) << "\n"
-      << "  lower accents    " << Utf8Text(d.AnsiLowerAccents.str()) << "\n"
-      << "  upper accents    " << Utf8Text(d.AnsiUpperAccents.str()) << "\n";
+  out << Utf8Text(d.LanguageName.str()) << (d.CustomLanguage ? "  (custom language)" : "") << "\n";
+  Line(out, "preference", LangPreferenceText(d.Preference));
+  Line(out, "sort as in", Hex(d.SortLCID));
+  Line(out, "code pages",
+       "Windows " + std::to_string(d.WindowsCodepage) + ", DOS " + std::to_string(d.DosCodepage));
+  Line(out, "font",
+       Utf8Text(d.WinFontName.str()) + ", size " + std::to_string(d.WinFontSize) +
+           ", character set " + std::to_string(d.WinFontCharset));
+  Line(out, "currency", Utf8Text(d.AnsiCurrency.str()));
+  Line(out, "within a word",
+       d.Allowables.empty() ? std::string()
+                            : "\"" + Utf8Text(d.Allowables.str()) + "\"" +
+                                  (d.AllowExtraToEndOfWord ? " (may also end a word)" : ""));
+  Line(out, "hyphen breaks", YesNo(d.HyphenBreaks));
+  Line(out, "lower accents", Utf8Text(d.AnsiLowerAccents.str()));
+  Line(out, "upper accents", Utf8Text(d.AnsiUpperAccents.str()));
   std::cout << out.str();
 }
 
