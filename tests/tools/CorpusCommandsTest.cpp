@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include "TestSupport.h"
-#include "ZipWriter.h"
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
 #include <kestrel/vocabulary/WdefStoredFiles.h>
 
 namespace {

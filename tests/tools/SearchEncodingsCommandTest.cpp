@@ -6,7 +6,7 @@
 #include <string>
 #include <sys/wait.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 namespace {
 

@@ -61,7 +61,6 @@ const Row kRows[] = {
     {"convert-unknown-code-page", {"convert", "--from", "12345", "--to", "utf-8", "cp1252.txt", "out.bin"}, {"out.bin"}},
     {"convert-unknown-name", {"convert", "--from", "klingon", "--to", "utf-8", "cp1252.txt"}},
     {"convert-odd-utf16", {"convert", "--from", "utf-16", "--to", "utf-8", "odd.bin", "keep.bin"}, {"keep.bin"}},
-    {"convert-missing-input", {"convert", "--from", "1252", "--to", "utf-8", "none.txt"}},
     {"convert-no-from", {"convert", "--to", "utf-8"}},
     {"convert-too-many", {"convert", "--from", "1252", "--to", "utf-8", "a", "b", "c"}},
     // search: encodings, flags, context, pattern files, code pages.
@@ -76,7 +75,6 @@ const Row kRows[] = {
     {"search-pattern-file", {"search", "--json", "--pattern-file", "half-pattern.txt", "half-text.txt"}},
     {"search-encoding-1252", {"search", "--json", "--encoding", "1252", "caf\xC3\xA9", "latin.txt"}},
     {"search-encoding-cp1252", {"search", "--encoding", "cp1252", "caf", "latin.txt"}},
-    {"search-missing-file", {"search", "word", "missing.txt"}},
     {"search-unknown-encoding", {"search", "--encoding", "nonsense", "word", "latin.txt"}},
     {"search-no-path", {"search", "word"}},
     {"search-unknown-option", {"search", "--bogus", "word", "latin.txt"}},
