@@ -1,6 +1,7 @@
 #include <kestrel/frame/platform/FileSystem.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -116,6 +117,23 @@ bool CopyFileA(const char *existingFileName, const char *newFileName, bool failI
     errno = saved;
   }
   return ok;
+}
+
+bool MoveFileA(const char *existingFileName, const char *newFileName) {
+  if (existingFileName == nullptr || newFileName == nullptr) {
+    errno = EINVAL;
+    return false;
+  }
+  std::string from = NativePath(existingFileName), to = NativePath(newFileName);
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL) // a file system that cannot refuse to replace: look first
+    return false;
+  struct stat st;
+  if (::lstat(to.c_str(), &st) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
 } // namespace kestrel

@@ -30,4 +30,8 @@ uint32_t GetFileAttributesA(const char *fileName);
 // on success; otherwise the reason is in the last error (errno).
 bool CopyFileA(const char *existingFileName, const char *newFileName, bool failIfExists);
 
+// Renames a file or folder; fails (EEXIST) when the new name is taken, as on
+// Windows.
+bool MoveFileA(const char *existingFileName, const char *newFileName);
+
 } // namespace kestrel
