@@ -2,4 +2,12 @@
 #pragma once
 
 #include <kestrel/files/PeruseDir.h>
+#include <kestrel/files/WinGenOk.h>
+#include <kestrel/files/file_utils.h>
 #include <kestrel/files/myFileStreamU.h>
+#include <kestrel/files/myStreamMemLists.h>
+#include <kestrel/frame/host/BoolStrs.h>
+#include <kestrel/frame/platform/Errors.h>
+#include <kestrel/frame/platform/FileSystem.h>
+#include <kestrel/frame/platform/SharedMemory.h>
+#include <kestrel/frame/platform/Volumes.h>

@@ -5,4 +5,5 @@
 #include <kestrel/search/SortableLists.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UTBMSearch.h>
+#include <kestrel/search/bare_assemb.h>
 #include <kestrel/search/myMasks.h>
