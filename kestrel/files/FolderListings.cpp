@@ -143,11 +143,9 @@ bool TFolderful::SaveToFile(TFileStream *stream) {
 bool TFolderful::ReadFromStream(TStream *stream) {
   uint8_t sort = 0;
   stream->ReadBuffer(&sort, 1);
-  // A stored sort outside the enumeration reads as none: the order of the
-  // entries is what was stored either way.
-  fCurrentSort = sort <= static_cast<uint8_t>(TMySearchRecSort::by_attr)
-                     ? static_cast<TMySearchRecSort>(sort)
-                     : TMySearchRecSort::none;
+  // Kept as read, also a value outside the enumeration: it sorts nothing and
+  // is saved back as it came. The entries keep their stored order either way.
+  fCurrentSort = static_cast<TMySearchRecSort>(sort);
   stream->ReadBuffer(&fUserValue2, 4);
   stream->ReadBuffer(&fUserValue3, 4);
   stream->ReadBuffer(&fUserValue1, 4);

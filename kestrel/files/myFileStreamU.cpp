@@ -143,7 +143,7 @@ bool WriteWideString(TStream *Stream, const std::u16string &W) {
 void TDummy::OverwriteHandler(TObject *, bool &OverwriteIt, const std::string &FileName) {
   std::string text = IncludeTrailingPathDelimiter(TempFolder) + FileName + "\r" + "exists..." +
                      "\r" + "Overwrite?";
-  OverwriteIt = MyPMsgDlg(text, "File Exists", 1) == 1;
+  OverwriteIt = Kpsmall::PMsgDlg(text, "File Exists", 1) == 1;
 }
 
 std::string OpenedAZipFileToTempDir(const std::string &Name, int32_t MemberNumber) {

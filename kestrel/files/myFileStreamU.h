@@ -47,7 +47,8 @@ public:
 class TDummy : public TVCLUnZip {
 public:
   TDummy() : TVCLUnZip(nullptr) {}
-  // Asks "File Exists" with OK and Cancel; OK overwrites.
+  // Asks "File Exists" with OK and Cancel through the component's own box;
+  // OK overwrites.
   void OverwriteHandler(TObject *Sender, bool &OverwriteIt, const std::string &FileName);
   char TempFolder[262] = {};
 };

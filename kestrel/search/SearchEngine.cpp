@@ -46,13 +46,15 @@ void TSearchEngine::ClearResults() {
 
 void TSearchEngine::DeleteResult(uint32_t Index) {
   // A huge Index would make 2 x Index wrap; it must fail, not hit a pair.
-  if (Index > 0x3FFFFFFFu) TList::Error(Consts::SListIndexError, static_cast<int32_t>(Index));
+  if (Index > 0x3FFFFFFFu)
+    TList::RaiseListError(Consts::SListIndexError, static_cast<int32_t>(Index));
   Results->Delete(ItemIndex(Index, 0));
   Results->Delete(ItemIndex(Index, 0));
 }
 
 void TSearchEngine::GetResult(uint32_t Index, int32_t &Start, int32_t &Stop) {
-  if (Index > 0x3FFFFFFFu) TList::Error(Consts::SListIndexError, static_cast<int32_t>(Index));
+  if (Index > 0x3FFFFFFFu)
+    TList::RaiseListError(Consts::SListIndexError, static_cast<int32_t>(Index));
   Start = static_cast<int32_t>(AsNumber(Results->Get(ItemIndex(Index, 0))));
   Stop = static_cast<int32_t>(AsNumber(Results->Get(ItemIndex(Index, 1))));
 }

@@ -84,7 +84,11 @@ uint32_t TURESearch::ParseBounds(const char16_t *Text, uint32_t Limit, uint32_t 
 }
 
 void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
-  if (Max == 0 && Min == 0) {
+  if (Max != 0 && Min > Max) {
+    UREBuffer.Error = ErrBadRange;
+  } else if (State == NoExpression) {
+    FMissingOperand = true; // nothing to repeat: refused once the parse is through
+  } else if (Max == 0 && Min == 0) {
     State = MakeExpression(StarExpr, State, NoExpression);
   } else if (Max == 0 && Min == 1) {
     State = MakeExpression(PlusExpr, State, NoExpression);
@@ -98,8 +102,6 @@ void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
     State = MakeExpression(PlusExpr, State, NoExpression);
     CollectPendingOperations(State);
     Pop();
-  } else if (Min > Max) {
-    UREBuffer.Error = ErrBadRange;
   } else if (Min == 0 && Max == 1) {
     State = MakeExpression(OptionalExpr, State, NoExpression);
   } else {
@@ -189,6 +191,7 @@ uint32_t TURESearch::ConvertRE2NFA(const char16_t *Pattern, uint32_t Limit) {
   }
   CollectPendingOperations(state);
   if (UREBuffer.Stack.ListUsed != 0) UREBuffer.Error = ErrGroupOpen;
+  if (UREBuffer.Error == 0 && FMissingOperand) UREBuffer.Error = ErrNoOperand;
   return UREBuffer.Error != 0 ? NoExpression : state;
 }
 
@@ -527,6 +530,7 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
   ClearUREBuffer();
   ClearDFA();
   FWorkLeft = CompileWorkLimit;
+  FMissingOperand = false;
   UREBuffer.Flags = BlankLine | (CaseFold ? FoldCase : 0);
   uint32_t start = ConvertRE2NFA(Pattern, PatternLength);
   if (start == NoExpression) {

@@ -82,10 +82,11 @@ bool TURESearch::FindAll(const std::u16string &Text) {
   return FindAll(Text.c_str(), uint32_t(Text.size()));
 }
 
-// An empty match (`^` on a line, `^$` on an empty line, `$` after a match
-// that used up the text) would leave the next scan where it is, to find the
-// same empty match again. The empty match is kept once and the search goes on
-// one character past it: one unit, or both units of a surrogate pair. At the
+// Each scan starts where the last match ended. Only an empty match at the
+// very start of the rest (E = 0: `^` at its first unit, `^$` on an empty
+// line, `$` after a match that used up the text) would leave the next scan
+// where it is, to find it again: that one is kept once and the search goes on
+// one character past it, one unit or both units of a surrogate pair. At the
 // end of the text the search stops.
 bool TURESearch::FindAll(const char16_t *Text, uint32_t TextLen) {
   ClearResults();
@@ -94,7 +95,7 @@ bool TURESearch::FindAll(const char16_t *Text, uint32_t TextLen) {
   while (ExecuteURE(0, Text + run, TextLen - run, s, e)) {
     AddResult(run + s, run + e);
     run += e;
-    if (s < e) continue;
+    if (e > 0) continue;
     uint32_t left = TextLen - run;
     if (left == 0) break;
     run +=

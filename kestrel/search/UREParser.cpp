@@ -381,7 +381,8 @@ uint32_t TURESearch::MakeExpression(uint32_t ExprType, uint32_t LHS, uint32_t RH
   bool unary = ExprType == OptionalExpr || ExprType == StarExpr || ExprType == PlusExpr;
   bool binary = ExprType == SequenceExpr || ExprType == AlternativeExpr;
   if ((unary && LHS == NoExpression) || (binary && (LHS == NoExpression || RHS == NoExpression))) {
-    if (UREBuffer.Error == 0) UREBuffer.Error = ErrNoOperand;
+    FMissingOperand = true;
+    if (UREBuffer.Reducing && UREBuffer.Error == 0) UREBuffer.Error = ErrNoOperand;
     return NoExpression;
   }
   uint64_t key = (uint64_t(ExprType) << 40) | (uint64_t(LHS & 0xFFFFF) << 20) | (RHS & 0xFFFFF);

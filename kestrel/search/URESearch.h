@@ -285,6 +285,10 @@ private:
   std::unordered_map<std::string, uint32_t> FStateIndex;
   std::unordered_set<uint64_t> FEquivalentIndex;
   uint64_t FWorkLeft = 0;
+  // An operator or a sequence met "no expression" during the parse. The
+  // parse runs on, so that a parse error later in the pattern is the one
+  // reported; the refusal comes only for a pattern that parses.
+  bool FMissingOperand = false;
 
   // For each state and unit below 256: the target of the transition that wins
   // on that unit (not at the first unit of a text, flags 0), -1 when none

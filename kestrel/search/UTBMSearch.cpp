@@ -24,6 +24,15 @@ bool EntryEquals(const TPatternEntry &e, UCS4 c) {
   return c == e.UpCase || c == e.LoCase || c == e.TitleCase;
 }
 
+bool SameForms(const TPatternEntry &a, const TPatternEntry &b) {
+  return a.UpCase == b.UpCase && a.LoCase == b.LoCase && a.TitleCase == b.TitleCase;
+}
+
+// Whether one text character can equal both entries.
+bool ShareAForm(const TPatternEntry &a, const TPatternEntry &b) {
+  return EntryEquals(a, b.LoCase) || EntryEquals(a, b.UpCase) || EntryEquals(a, b.TitleCase);
+}
+
 // Moves a position that sits on the low half of a pair back to the pair's
 // high half, so that a step never splits a character.
 const char16_t *Align(const char16_t *text, const char16_t *stop, const char16_t *pos) {
@@ -147,32 +156,43 @@ void TUTBMSearch::Compile(const char16_t *APattern, uint32_t APatternLength, TSe
 
 void TUTBMSearch::BuildSkipTable() {
   if (PatternUsed == 0) return;
-  const UCS4 lastChar = Pattern[PatternUsed - 1].UpCase;
+  const TPatternEntry &lastEntry = Pattern[PatternUsed - 1];
   const int64_t last = int64_t(PatternLength) - 1;
   int64_t k = 0;
   for (uint32_t n = 0; n < PatternUsed; ++n) {
     TPatternEntry &entry = Pattern[n];
+    // One record per character. Entries that share only their upper case
+    // (s and long s, micro and mu) keep records of their own: a record refers
+    // to one entry, and a text character equal to the other alone would find
+    // none and skip the whole pattern.
     TSkipEntry *record = nullptr;
     for (uint32_t s = 0; s < SkipsUsed && !record; ++s)
-      if (SkipValues[s].Entry->UpCase == entry.UpCase) record = &SkipValues[s];
+      if (SameForms(*SkipValues[s].Entry, entry)) record = &SkipValues[s];
     if (!record) {
       record = &SkipValues[SkipsUsed++];
       record->Entry = &entry;
     }
+    // The distance from the entry to the pattern's end, for a pair too: the
+    // search aligns every probe on a pair's first unit, so one unit more
+    // would jump over an occurrence.
     const bool wide = entry.UpCase > 0xFFFF;
-    int64_t skip = last - k;
-    if (wide && k + 2 < last) ++skip;
-    record->Skip = static_cast<uint32_t>(std::max<int64_t>(skip, 0));
-    if ((wide && k + 2 <= last) || (k + 1 <= last && entry.UpCase == lastChar))
+    record->Skip = static_cast<uint32_t>(std::max<int64_t>(last - k, 0));
+    // Any entry that a character equal to the last one can also equal
+    // (the Kelvin sign and k share the lower case k) bounds the shift.
+    if ((wide && k + 2 <= last) || (k + 1 <= last && ShareAForm(entry, lastEntry)))
       MismatchShift = static_cast<uint32_t>(last - k);
     k += wide ? 2 : 1;
   }
 }
 
+// The smallest skip of the records equal to c. Without case sensitivity a
+// character can equal two records (k equals the entries of k and of the
+// Kelvin sign); the first one's skip may jump over where the other ends.
 uint32_t TUTBMSearch::RecordSkip(UCS4 c) const {
+  uint32_t skip = kNoRecord;
   for (uint32_t s = 0; s < SkipsUsed; ++s)
-    if (EntryEquals(*SkipValues[s].Entry, c)) return SkipValues[s].Skip;
-  return kNoRecord;
+    if (EntryEquals(*SkipValues[s].Entry, c)) skip = std::min(skip, SkipValues[s].Skip);
+  return skip;
 }
 
 void TUTBMSearch::FillLatin1Skips() {
@@ -183,8 +203,8 @@ void TUTBMSearch::FillLatin1Skips() {
 uint32_t TUTBMSearch::GetSkipValue(const char16_t *TextStart, const char16_t *TextEnd) const {
   if (TextStart >= TextEnd) return 0;
   const UCS4 c = CodePointAt(TextStart, TextEnd);
-  // The first record equal to c; for units below 256 read from the table
-  // that Compile filled from the same records.
+  // For units below 256 read from the table that Compile filled from the
+  // same records.
   const uint32_t skip = c < 256 ? Latin1Skips[c] : RecordSkip(c);
   if (skip == kNoRecord) return PatternLength;
   return static_cast<uint32_t>(std::min<size_t>(skip, TextEnd - TextStart));
@@ -240,6 +260,31 @@ bool TUTBMSearch::Match(const char16_t *Text, const char16_t *Start, const char1
   return true;
 }
 
+// A probe on a character that the compare steps over in the text, a mark
+// under sfIgnoreNonSpacing or white space or a control under sfSpaceCompress,
+// says nothing of where an occurrence ends: any number of such characters may
+// stand inside one, and one may end right here (a mark after its last letter)
+// or at the next character. The skip table would give such a probe the full
+// length of a character the pattern lacks and pass the match, so the probe is
+// compared in place and the search then moves one character only.
+bool TUTBMSearch::SteppedOver(const char16_t *Pos, const char16_t *Stop) const {
+  if (PatternUsed < 2) return false; // a single entry is compared by the skip lookup alone
+  const UCS4 c = CodePointAt(Pos, Stop);
+  return (Flags.Contains(F::sfIgnoreNonSpacing) && UnicodeIsNonSpacing(c)) ||
+         (Flags.Contains(F::sfSpaceCompress) && IsSpaceOrControl(c));
+}
+
+// After a failed compare: MismatchShift, or one character where the probe or
+// the character after it is stepped over. A match may end on such a character
+// where it could not end before it (a right bound that fails on a mark but
+// holds after it).
+uint32_t TUTBMSearch::ShiftAfterMismatch(const char16_t *Pos, const char16_t *Stop) const {
+  if (MismatchShift <= 1) return MismatchShift;
+  const char16_t *next = Pos + (CodePointAt(Pos, Stop) > 0xFFFF ? 2 : 1);
+  if (SteppedOver(Pos, Stop) || (next < Stop && SteppedOver(next, Stop))) return 1;
+  return MismatchShift;
+}
+
 bool TUTBMSearch::Find(const char16_t *Text, uint32_t TextLen, uint32_t &MatchStart,
                        uint32_t &MatchEnd) const {
   if (!Pattern || PatternUsed == 0 || !Text || TextLen == 0 || PatternLength > TextLen)
@@ -253,11 +298,12 @@ bool TUTBMSearch::Find(const char16_t *Text, uint32_t TextLen, uint32_t &MatchSt
       // pattern of two or more units skips the pattern's length): compare here
       // rather than step, or the pair would never be found.
       if (k == 1 && PatternLength > 1 && CodePointAt(start, stop) > 0xFFFF) break;
+      if (SteppedOver(start, stop)) break;
       start = Advance(Text, stop, start, k);
     }
     if (start < stop && Match(Text, start, stop, MatchStart, MatchEnd)) return true;
     if (start >= stop) return false;
-    start = Advance(Text, stop, start, MismatchShift);
+    start = Advance(Text, stop, start, ShiftAfterMismatch(start, stop));
     if (start >= stop) return false;
   }
 }

@@ -66,6 +66,8 @@ private:
   // The Skip of the first record whose entry equals c, or kNoRecord.
   uint32_t RecordSkip(UCS4 c) const;
   void FillLatin1Skips();
+  bool SteppedOver(const char16_t *Pos, const char16_t *Stop) const;
+  uint32_t ShiftAfterMismatch(const char16_t *Pos, const char16_t *Stop) const;
 
   TSearchFlags Flags;
   TPatternEntry *Pattern = nullptr;

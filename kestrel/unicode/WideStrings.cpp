@@ -516,7 +516,7 @@ bool TWideStringList::Find(const std::u16string &S, int32_t &Index) {
       h = i - 1;
       if (c == 0) {
         result = true;
-        if (Duplicates != TDuplicates::dupAccept) l = i;
+        if (Duplicates != TDuplicates::DuplicatesAccept) l = i;
       }
     }
   }
@@ -530,11 +530,11 @@ int32_t TWideStringList::Add(const std::u16string &S) {
     result = FCount;
   } else if (Find(S, result)) {
     switch (Duplicates) {
-    case TDuplicates::dupIgnore:
+    case TDuplicates::DuplicatesIgnore:
       return result;
-    case TDuplicates::dupError:
+    case TDuplicates::DuplicatesError:
       Error(Consts::SDuplicateString, 0);
-    case TDuplicates::dupAccept:
+    case TDuplicates::DuplicatesAccept:
       break;
     }
   }

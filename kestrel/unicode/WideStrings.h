@@ -135,7 +135,7 @@ public:
   bool GetSorted() const { return Sorted; }
 
   // What a sorted Add does with a text equal to an item (the host's enumeration).
-  TDuplicates Duplicates = TDuplicates::dupIgnore;
+  TDuplicates Duplicates = TDuplicates::DuplicatesIgnore;
   TNotifyEvent OnChange;
   TNotifyEvent OnChanging;
 

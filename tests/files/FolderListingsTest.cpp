@@ -138,6 +138,31 @@ TEST(FolderListing, ReadAppendsToAListWithEntries) {
   EXPECT_EQ(list.GetAMySearchRec(1).Name, "one");
 }
 
+// The stored sort comes back as it was stored, also a value no tool has set:
+// the entries keep their stored order, and saving again keeps the value.
+TEST(FolderListing, AStoredSortValueIsKeptAsRead) {
+  TFolderful f("/c");
+  f.AddAFile(Rec("b", 2));
+  f.AddAFile(Rec("a", 1));
+  TMemoryStream s;
+  f.SaveToStream(&s);
+  const uint8_t odd = 9;
+  s.SetPosition(0);
+  s.WriteBuffer(&odd, 1);
+  s.SetPosition(0);
+  TFolderful g("/x");
+  ASSERT_TRUE(g.ReadFromStream(&s));
+  EXPECT_EQ(static_cast<uint8_t>(g.CurrentSort()), odd);
+  EXPECT_EQ(g.fGetASearchRec(0).Name, "b");
+  g.fSetSort(static_cast<TMySearchRecSort>(odd)); // the same value: nothing happens
+  EXPECT_EQ(g.fGetASearchRec(0).Name, "b");
+  TMemoryStream again;
+  g.SaveToStream(&again);
+  EXPECT_EQ(Bytes(again), Bytes(s));
+  g.fSetSort(TMySearchRecSort::by_name); // a real order still sorts
+  EXPECT_EQ(g.fGetASearchRec(0).Name, "a");
+}
+
 TEST(FolderListing, TruncatedOrHostileStreamRaisesAndKeepsWhatWasRead) {
   TMySearchRecList list;
   list.AddRec(Rec("first"));

@@ -281,7 +281,7 @@ TEST(OpenedAZipFileToTempDir, AsksBeforeOverwriting) {
     ASSERT_EQ(boxes.Boxes().size(), 1u);
     EXPECT_EQ(boxes.Boxes()[0].caption, "File Exists");
     EXPECT_EQ(boxes.Boxes()[0].text, z.tmp + "/a.txt\rexists...\rOverwrite?");
-    EXPECT_EQ(boxes.Boxes()[0].type, 0x2001u); // OK and Cancel, task-modal
+    EXPECT_EQ(boxes.Boxes()[0].type, 1u); // the component's own box, OK and Cancel
     EXPECT_EQ(ReadFileBytes(z.tmp + "/a.txt"), "mine");
   }
   {

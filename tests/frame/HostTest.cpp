@@ -49,6 +49,32 @@ TEST(TList, BadIndexRaisesWithTheIndexInTheMessage) {
   }
 }
 
+// A subclass raises its own error for every fault the list finds.
+TEST(TList, ASubclassOverridesError) {
+  struct Own : std::runtime_error {
+    using std::runtime_error::runtime_error;
+  };
+  class OwnErrors : public TList {
+  public:
+    void Error(const char *msg, intptr_t data) const override {
+      throw Own(Format(msg, static_cast<int>(data)));
+    }
+  };
+  OwnErrors list;
+  list.Add(P(1));
+  EXPECT_THROW(list.Get(3), Own);
+  EXPECT_THROW(list.Delete(-1), Own);
+  EXPECT_THROW(list.SetCapacity(0), Own);
+  EXPECT_THROW(list.SetCount(-1), Own);
+  TList &base = list;
+  try {
+    base.Error(Consts::SListIndexError, 9);
+    FAIL();
+  } catch (const Own &e) {
+    EXPECT_STREQ(e.what(), "List index out of bounds (9)");
+  }
+}
+
 TEST(TList, GrowsByTheHostSteps) {
   RecordingList list;
   std::vector<int32_t> capacities;

@@ -64,9 +64,9 @@ TEST(TStringList, SortedWithDuplicatesRules) {
     TDuplicates dup;
     V expected;
     bool raises;
-  } cases[] = {{TDuplicates::dupIgnore, {"apple", "Banana", "cherry"}, false},
-               {TDuplicates::dupAccept, {"apple", "BANANA", "Banana", "cherry"}, false},
-               {TDuplicates::dupError, {"apple", "Banana", "cherry"}, true}};
+  } cases[] = {{TDuplicates::DuplicatesIgnore, {"apple", "Banana", "cherry"}, false},
+               {TDuplicates::DuplicatesAccept, {"apple", "BANANA", "Banana", "cherry"}, false},
+               {TDuplicates::DuplicatesError, {"apple", "Banana", "cherry"}, true}};
   for (const Case &c : cases) {
     TStringList l;
     l.SetSorted(true);
@@ -86,7 +86,7 @@ TEST(TStringList, SortedWithDuplicatesRules) {
 
 TEST(TStringList, FindGivesTheFirstPlaceOrTheInsertionPoint) {
   TStringList l;
-  l.Duplicates = TDuplicates::dupAccept;
+  l.Duplicates = TDuplicates::DuplicatesAccept;
   l.SetSorted(true);
   for (const char *s : {"b", "d", "d", "D", "f"})
     l.Add(s);

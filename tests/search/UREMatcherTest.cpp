@@ -134,6 +134,8 @@ TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
       {u"$", u"a\n", {{1, 2}, {2, 2}}},        // the empty rest still holds a blank line
       {u"^", u"\U0001D400", {{0, 0}, {2, 2}}}, // a pair is stepped over whole
       {u"a*", u"", {}},
+      // An empty match further in moves the search only to its end.
+      {u"^|ab", u"ac\nab", {{3, 3}, {3, 5}}},
   };
   Check(cases, std::size(cases));
 }

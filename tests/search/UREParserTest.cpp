@@ -95,9 +95,28 @@ TEST(UREParser, AnOperatorWithNothingBeforeItIsRefused) {
     std::string shown(pat.begin(), pat.end());
     EXPECT_EQ(CompileError(pat), Fault(shown, SURENoOperand)) << shown;
   }
-  // Inside a group that stays open, the open group is what is reported.
+  // Inside a group that stays open, the open group is what is reported; a
+  // closed one parses and meets the refusal.
   EXPECT_EQ(CompileError(u"(*a"), Fault("(*a", SUREGroupOpen));
-  EXPECT_EQ(CompileError(u"(*)"), Fault("(*)", SUREGroupOpen));
+  EXPECT_EQ(CompileError(u"(*)"), Fault("(*)", SURENoOperand));
+}
+
+// The parse runs to its end before a missing operand is refused, so a parse
+// error anywhere in the pattern is the one reported.
+TEST(UREParser, AParseErrorWinsOverAMissingOperand) {
+  const ErrorCase cases[] = {
+      {u"*(", "*(", SUREGroupOpen},
+      {u"*[a", "*[a", SUREClassOpen},
+      {u"*\\p33", "*\\p33", SUREBadProperty},
+      {u"?a{2", "?a{2", SUREBadRange},
+      {u"*)", "*)", SUREGroupOpen},
+      {u"()a\\", "()a\\", SUREUnexpectedEnd},
+      {u"*{3,2}", "*{3,2}", SUREBadRange},
+      {u"+{1,", "+{1,", SURERangeOpen},
+      {u"*a{1,1500}", "*a{1,1500}", SURETooLarge},
+  };
+  for (const ErrorCase &c : cases)
+    EXPECT_EQ(CompileError(c.pattern), Fault(c.shown, c.ident)) << c.shown;
 }
 
 TEST(UREParser, BoundsThatWouldExhaustTheTablesAreRefused) {

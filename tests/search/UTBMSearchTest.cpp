@@ -56,12 +56,6 @@ std::string Hex(const std::u16string &s) {
   return out;
 }
 
-bool PairFarFromTheEnd(const std::u16string &pattern) {
-  for (size_t k = 0; k + 1 < pattern.size(); ++k)
-    if (pattern[k] >= 0xD800 && pattern[k] <= 0xDBFF && k + 2 < pattern.size() - 1) return true;
-  return false;
-}
-
 const std::u16string kPair = u"\xD801\xDC00";  // U+10400
 const std::u16string kPair2 = u"\xD800\xDF00"; // U+10300
 
@@ -90,15 +84,23 @@ TEST(UTBMSearch, FindAllTable) {
       {"compressed run of two", u"a  b", SC, u"a  b", {{0, 4}}},
       {"compressed run of three", u"a  b", SC, u"a   b", {{0, 5}}},
       {"compressed tab", u"a  b", SC, u"a\tb", {{0, 3}}},
-      {"probe on a tab skips too far", u"a  b", SC, u"a \t b", {}},
+      {"probe on a tab is compared in place", u"a  b", SC, u"a \t b", {{0, 5}}},
       {"leading blank takes the run", u" b", SC, u"a  b", {{1, 4}}},
       {"run at the start of the text", u" b", SC, u"  b", {{1, 3}}},
-      {"probe on a mark skips too far", u"ab", NS, u"a\u0301b", {}},
+      {"probe on a mark is compared in place", u"ab", NS, u"a\u0301b", {{0, 3}}},
       {"two marks stepped over", u"ab", NS, u"a\u0301\u0301b", {{0, 4}}},
       {"a mark after the match is not taken", u"ab", NS, u"ab\u0301", {{0, 2}}},
       {"pair before the last character", kPair + u"a", CS, u"x" + kPair + u"a", {{1, 4}}},
       {"pair at the very start", kPair + u"a", CS, kPair + u"a", {{0, 3}}},
       {"pair then pair", kPair + kPair2, CS, u"a" + kPair + kPair2, {{1, 5}}},
+      {"pair far from the end", u"\U0001D400ab", CS, u"zz\U0001D400ab", {{2, 6}}},
+      {"marks between all letters", u"ab", NS, u"a\u0301b\u0301c\u0301d", {{0, 3}}},
+      {"blanks and a tab in the run", u"a b", SC, u"za  \t bc", {{1, 7}}},
+      {"control run after the end", u"ab", SC | RB, u"ab\x01 ", {{0, 3}}},
+      {"mark after a bounded end", u"bab", NS | RB, u"bab\u0301 ", {{0, 4}}},
+      {"k equals the Kelvin sign's entry too", u"Ak\u212A", 0, u"Akk", {{0, 3}}},
+      {"shift bounded by the Kelvin sign", u"k\u212AK", 0, u"zkkk", {{1, 4}}},
+      {"long s shares only the upper case", u"s\u017F", 0, u"s\u017F", {{0, 2}}},
       {"no match", u"zz", 0, u"abc", {}},
       {"pattern longer than the text", u"abcd", 0, u"abc", {}},
       {"matches do not overlap", u"aa", CS, u"aaaaa", {{0, 2}, {2, 4}}},
@@ -161,11 +163,12 @@ TEST(UTBMSearch, CompileBuildsEntriesSkipsAndShift) {
   EXPECT_EQ(e.GetPattern()[0].UpCase, u'a');
   EXPECT_EQ(e.GetMismatchShift(), 1u);
 
-  // A pair counts two units; a pair before the end adds one to its skip.
+  // A pair counts two units; its skip is its distance to the end, like any
+  // other character's.
   e.FindPrepare(kPair + u"xy", Fl(CS));
   EXPECT_EQ(e.GetPatternUsed(), 3u);
   EXPECT_EQ(e.GetPatternLength(), 4u);
-  EXPECT_EQ(e.GetSkipValues()[0].Skip, 4u);
+  EXPECT_EQ(e.GetSkipValues()[0].Skip, 3u);
   EXPECT_EQ(e.GetMismatchShift(), 3u);
   e.FindPrepare(u"x" + kPair, Fl(CS));
   EXPECT_EQ(e.GetSkipValues()[1].Skip, 1u); // never 0 for a final pair
@@ -269,12 +272,100 @@ TEST(UTBMSearch, RandomizedSearchesEndAndAgreeWithANaiveSearch) {
         ASSERT_EQ(text.substr(a, b - a), pattern) << Hex(pattern) << "in " << Hex(text);
       }
     }
-    // A pair that stands two or more units before the pattern's end gets a
-    // skip one unit longer than its distance to the end, which can jump over
-    // an occurrence; other exact patterns find exactly what a naive search does.
-    if (exact && !pattern.empty() && !PairFarFromTheEnd(pattern)) {
+    if (exact && !pattern.empty()) {
       ASSERT_EQ(got, Naive(pattern, text)) << "pattern " << Hex(pattern) << "text " << Hex(text);
     }
   }
   EXPECT_GT(runs, 100);
+}
+
+namespace {
+
+// The compare of the engine, open to the test.
+struct ComparingSearch : TUTBMSearch {
+  ComparingSearch() : TUTBMSearch(nullptr) {}
+  using TUTBMSearch::Match;
+};
+
+UCS4 CodePointAt(const char16_t *p, const char16_t *end) {
+  if (p + 1 < end && IsHighSurrogateUnit(p[0]) && IsLowSurrogateUnit(p[1]))
+    return 0x10000 + (((p[0] & 0x3FFu) << 10) | (p[1] & 0x3FFu));
+  return *p;
+}
+
+bool Equals(const TPatternEntry &e, UCS4 c) {
+  return c == e.LoCase || c == e.UpCase || c == e.TitleCase;
+}
+
+// What a search that never skips finds: the compare tried at every character
+// of the text in turn, the first success taken, and the next search begun
+// right after it, as FindAll does.
+Pairs EveryStart(const ComparingSearch &e, const std::u16string &text) {
+  Pairs out;
+  size_t run = 0;
+  while (e.GetPatternUsed() > 0 && e.GetPatternLength() <= text.size() - run && run < text.size()) {
+    const char16_t *t = text.data() + run;
+    const auto len = uint32_t(text.size() - run);
+    uint32_t s = 0, end = 0;
+    bool found = false;
+    for (uint32_t p = 0; p < len && !found; ++p) {
+      const bool lowHalf = p > 0 && IsLowSurrogateUnit(t[p]) && IsHighSurrogateUnit(t[p - 1]);
+      if (lowHalf) continue;
+      // For one entry the skip lookup is the whole compare.
+      if (e.GetPatternUsed() == 1 && !Equals(e.GetPattern()[0], CodePointAt(t + p, t + len)))
+        continue;
+      found = e.Match(t, t + p, t + len, s, end);
+    }
+    if (!found) break;
+    out.emplace_back(int32_t(run + s), int32_t(run + end));
+    run += end;
+  }
+  return out;
+}
+
+} // namespace
+
+// No skip may pass an occurrence: under every combination of flags FindAll and
+// FindFirst give what the compare at every start gives.
+TEST(UTBMSearch, SkipsNeverPassAnOccurrence) {
+  std::mt19937 rng(9);
+  const std::u16string letters[] = {u"a",          u"b",
+                                    u"A",          u"k",
+                                    u"\u212A",     u"s",
+                                    u"\u017F",     u"\u00B5",
+                                    u"\u03BC",     u" ",
+                                    u" ",          u"\t",
+                                    u"\x01",       u"\n",
+                                    u"\u0301",     u"\u0302",
+                                    u"\u2028",     u"\u01C5",
+                                    u"\u01C6",     u"\xD800",
+                                    u"\xDC00",     kPair,
+                                    kPair2,        u"\U00010428",
+                                    u"\U0001D400", std::u16string(1, 0)};
+  auto make = [&](size_t maxChars, size_t fromLetters) {
+    std::u16string s;
+    const size_t chars = rng() % (maxChars + 1);
+    for (size_t i = 0; i < chars; ++i)
+      s += letters[rng() % fromLetters];
+    return s;
+  };
+  for (int round = 0; round < 5000; ++round) {
+    // Small alphabets give many occurrences, large ones every kind of unit.
+    const size_t fromLetters = 3 + rng() % (std::size(letters) - 2);
+    const std::u16string pattern = make(5, fromLetters), text = make(30, fromLetters);
+    for (uint8_t flags = 0; flags < 32; ++flags) {
+      ComparingSearch e;
+      e.FindPrepare(pattern, Fl(flags));
+      const Pairs expected = EveryStart(e, text);
+      e.FindAll(text);
+      ASSERT_EQ(Results(e), expected)
+          << "flags " << int(flags) << " pattern " << Hex(pattern) << "text " << Hex(text);
+      uint32_t a = 0, b = 0;
+      const bool found = e.FindFirst(text, a, b);
+      ASSERT_EQ(found, !expected.empty());
+      if (found) {
+        ASSERT_EQ((Pairs{{int32_t(a), int32_t(b)}}), Pairs{expected.front()});
+      }
+    }
+  }
 }

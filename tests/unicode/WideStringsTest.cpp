@@ -429,6 +429,15 @@ TEST(WideStringList, SortedListsRefuseTheirErrorsBeforeAnyEvent) {
   EXPECT_EQ(ev.changed, 2);
 }
 
+// The modes carry the names and ordinals of the stored enumeration; a new list
+// ignores duplicates.
+TEST(WideStringList, DuplicateModesAreNamedAndNumbered) {
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesIgnore), 0);
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesAccept), 1);
+  EXPECT_EQ(uint8_t(TDuplicates::DuplicatesError), 2);
+  EXPECT_EQ(TWideStringList().Duplicates, TDuplicates::DuplicatesIgnore);
+}
+
 TEST(WideStringList, DuplicatesInASortedList) {
   TWideStringList list;
   list.SetLanguage(kEnglish);
@@ -446,7 +455,7 @@ TEST(WideStringList, DuplicatesInASortedList) {
   EXPECT_EQ(list.GetObject(1), &obj); // stored in the existing item
   EXPECT_EQ(list.Get(1), u"fig");
 
-  list.Duplicates = TDuplicates::dupError;
+  list.Duplicates = TDuplicates::DuplicatesError;
   try {
     list.Add(u"pEAR");
     FAIL();
@@ -455,7 +464,7 @@ TEST(WideStringList, DuplicatesInASortedList) {
   }
   EXPECT_EQ(list.GetCount(), 3);
 
-  list.Duplicates = TDuplicates::dupAccept;
+  list.Duplicates = TDuplicates::DuplicatesAccept;
   list.Add(u"PEAR");
   list.Add(u"Pear");
   EXPECT_EQ(ItemsOf(list), (Items{u"Apple", u"fig", u"Pear", u"PEAR", u"pear"}));

@@ -18,8 +18,17 @@ void TPersistent::AssignTo(TPersistent *dest) {
 
 TList::~TList() { TList::Clear(); }
 
-void TList::Error(const char *msg, intptr_t data) {
+void TList::RaiseListError(const char *msg, intptr_t data) {
   throw EListError(Format(msg, static_cast<int>(data)));
+}
+
+void TList::Error(const char *msg, intptr_t data) const {
+  RaiseListError(msg, data);
+}
+
+void TList::Fail(const char *msg, intptr_t data) const {
+  Error(msg, data);
+  RaiseListError(msg, data);
 }
 
 void TList::Grow() {
@@ -49,7 +58,7 @@ int32_t TList::Add(void *item) {
 
 void TList::Insert(int32_t index, void *item) {
   if (index < 0 || index > FCount)
-    Error(Consts::SListIndexError, index);
+    Fail(Consts::SListIndexError, index);
   if (FCount == FCapacity)
     Grow();
   for (int32_t i = FCount; i > index; --i)
@@ -62,13 +71,13 @@ void TList::Insert(int32_t index, void *item) {
 
 void *TList::Get(int32_t index) const {
   if (index < 0 || index >= FCount)
-    Error(Consts::SListIndexError, index);
+    Fail(Consts::SListIndexError, index);
   return FList[static_cast<size_t>(index)];
 }
 
 void TList::Put(int32_t index, void *item) {
   if (index < 0 || index >= FCount)
-    Error(Consts::SListIndexError, index);
+    Fail(Consts::SListIndexError, index);
   void *old = FList[index];
   if (item != old) {
     FList[index] = item;
@@ -81,7 +90,7 @@ void TList::Put(int32_t index, void *item) {
 
 void TList::Delete(int32_t index) {
   if (index < 0 || index >= FCount)
-    Error(Consts::SListIndexError, index);
+    Fail(Consts::SListIndexError, index);
   void *item = FList[index];
   --FCount;
   for (int32_t i = index; i < FCount; ++i)
@@ -92,9 +101,9 @@ void TList::Delete(int32_t index) {
 
 void TList::Exchange(int32_t index1, int32_t index2) {
   if (index1 < 0 || index1 >= FCount)
-    Error(Consts::SListIndexError, index1);
+    Fail(Consts::SListIndexError, index1);
   if (index2 < 0 || index2 >= FCount)
-    Error(Consts::SListIndexError, index2);
+    Fail(Consts::SListIndexError, index2);
   std::swap(FList[index1], FList[index2]);
 }
 
@@ -102,7 +111,7 @@ void TList::Move(int32_t curIndex, int32_t newIndex) {
   if (curIndex == newIndex)
     return;
   if (newIndex < 0 || newIndex >= FCount)
-    Error(Consts::SListIndexError, newIndex);
+    Fail(Consts::SListIndexError, newIndex);
   void *item = Get(curIndex);
   FList[curIndex] = nullptr;
   Delete(curIndex);
@@ -144,7 +153,7 @@ void TList::Pack() {
 
 void TList::SetCapacity(int32_t newCapacity) {
   if (newCapacity < FCount || newCapacity > (INT32_MAX / 8))
-    Error(Consts::SListCapacityError, newCapacity);
+    Fail(Consts::SListCapacityError, newCapacity);
   FList.resize(static_cast<size_t>(newCapacity));
   FList.shrink_to_fit();
   FCapacity = newCapacity;
@@ -152,7 +161,7 @@ void TList::SetCapacity(int32_t newCapacity) {
 
 void TList::SetCount(int32_t newCount) {
   if (newCount < 0 || newCount > (INT32_MAX / 8))
-    Error(Consts::SListCountError, newCount);
+    Fail(Consts::SListCountError, newCount);
   if (newCount > FCapacity)
     SetCapacity(newCount);
   if (newCount > FCount) {

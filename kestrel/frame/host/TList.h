@@ -42,15 +42,24 @@ public:
   void *operator[](int32_t index) const { return Get(index); }
   void **List() { return FList.data(); }
 
-  virtual void Clear();
-  // Raises EListError with the message formatted with data.
-  [[noreturn]] static void Error(const char *msg, intptr_t data);
-
 protected:
+  // The four virtual operations in the host's slot order: Grow, Notify,
+  // Clear, Error.
   virtual void Grow();
   virtual void Notify(void *ptr, TListNotification action);
 
+public:
+  virtual void Clear();
+  // Raises EListError with the message formatted with data; a subclass may
+  // raise an error of its own instead. Should an override return, the list
+  // raises the base error all the same, so no fault goes on unchecked.
+  virtual void Error(const char *msg, intptr_t data) const;
+  // The base error, where no list is at hand.
+  [[noreturn]] static void RaiseListError(const char *msg, intptr_t data);
+
 private:
+  [[noreturn]] void Fail(const char *msg, intptr_t data) const;
+
   std::vector<void *> FList; // size() == FCapacity
   int32_t FCount = 0;
   int32_t FCapacity = 0;

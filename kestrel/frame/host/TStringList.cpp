@@ -416,11 +416,11 @@ int32_t TStringList::AddObject(const std::string &s, TObject *object) {
   int32_t index = GetCount();
   if (FSorted && Find(s, index)) {
     switch (Duplicates) {
-    case TDuplicates::dupIgnore:
+    case TDuplicates::DuplicatesIgnore:
       return index;
-    case TDuplicates::dupError:
+    case TDuplicates::DuplicatesError:
       Error(Consts::SDuplicateString, 0);
-    case TDuplicates::dupAccept:
+    case TDuplicates::DuplicatesAccept:
       break;
     }
   }

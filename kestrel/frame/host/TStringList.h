@@ -96,7 +96,7 @@ private:
   int32_t FUpdateCount = 0;
 };
 
-enum class TDuplicates : uint8_t { dupIgnore, dupAccept, dupError };
+enum class TDuplicates : uint8_t { DuplicatesIgnore, DuplicatesAccept, DuplicatesError };
 
 class TStringList;
 using TStringListSortCompare = int (*)(TStringList *list, int32_t index1, int32_t index2);
@@ -133,7 +133,7 @@ public:
 
   bool Sorted() const { return FSorted; }
   void SetSorted(bool value);
-  TDuplicates Duplicates = TDuplicates::dupIgnore;
+  TDuplicates Duplicates = TDuplicates::DuplicatesIgnore;
   bool CaseSensitive() const { return FCaseSensitive; }
   void SetCaseSensitive(bool value);
 

@@ -167,7 +167,7 @@ void TVCLUnZip::ReadZip() {
 }
 
 const TVCLUnZip::Member &TVCLUnZip::At(int32_t index) const {
-  if (index < 0 || index >= GetCount()) TList::Error(Consts::SListIndexError, index);
+  if (index < 0 || index >= GetCount()) TList::RaiseListError(Consts::SListIndexError, index);
   return FMembers[static_cast<size_t>(index)];
 }
 
@@ -310,6 +310,10 @@ void TVCLUnZip::Extract(int dirfd, const std::string &name, int32_t index) {
     ::unlinkat(dirfd, temp.c_str(), 0);
     CannotUnpack(stored, failure);
   }
+}
+
+int32_t Kpsmall::PMsgDlg(const std::string &Text, const std::string &Caption, uint32_t Flags) {
+  return MessageBoxA(nullptr, Text.c_str(), Caption.c_str(), Flags);
 }
 
 } // namespace kestrel

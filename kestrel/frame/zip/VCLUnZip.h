@@ -113,4 +113,11 @@ private:
   zip *FArchive = nullptr;
 };
 
+namespace Kpsmall {
+// The component's own message box, for the handlers of its events: the text,
+// the caption and the type flags go to the box as they are (1: OK and
+// Cancel); the answer is the button's number, 1 for OK.
+int32_t PMsgDlg(const std::string &Text, const std::string &Caption, uint32_t Flags);
+} // namespace Kpsmall
+
 } // namespace kestrel
