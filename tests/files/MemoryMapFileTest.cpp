@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstring>
 #include <string>
+#include <sys/resource.h>
 
 #include <kestrel/files/myStreamMemLists.h>
 #include <kestrel/frame/host/Exceptions.h>
@@ -159,6 +160,20 @@ TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
   EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, "zero"), 0);
   TFlexibleSizeMap negative(UniqueMapName("negative"), -8);
   EXPECT_EQ(negative.fMapHandle, 0);
+}
+
+TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
+  std::string name = UniqueMapName("full");
+  int status = InChild([&] {
+    std::signal(SIGXFSZ, SIG_IGN); // the room runs out at 64 KB
+    struct rlimit limit = {65536, 65536};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    TFlexibleSizeMap map(name, 1 << 20);
+    if (map.fMapHandle != 0 || map.fMapSize != 0) return 1;
+    return GetLastError() == EFBIG ? 0 : 2;
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(RegionExists(name));
 }
 
 TEST(MemoryMapFile, RegionGoesWithItsLastHandleOrView) {
