@@ -13,12 +13,13 @@ namespace kestrel {
 
 enum class Tsort_num : uint8_t { first_sort, second_sort };
 
+// Owns its slots like TList, not the items; descendants add the keys.
 class TSortList : public TList {
 public:
   TSortList() = default;
 
   // Remembers the reference item of the comparison; empty here.
-  virtual void SetBase(void *Item) {}
+  virtual void SetBase(void * /*Item*/) {}
 
   // Quicksort of items L to R (both included) with the middle item as the
   // reference. Compare(item) above 0 means the item sorts before the
