@@ -24,6 +24,7 @@ TMemoryMapFile::~TMemoryMapFile() {
 }
 
 void TMemoryMapFile::SetupMap(const std::string &MapName, int32_t Size) {
+  Close(); // one region at a time: a hold left open would keep the old one alive
   fMapName = MapName;
   // The region is Size + 4 bytes, and that must be a 32-bit size.
   if (Size < 0 || Size > std::numeric_limits<int32_t>::max() - 4) return;
@@ -81,9 +82,13 @@ bool TMemoryMapFile::HandleException(void *Pointer, int32_t Offset) {
 }
 
 bool TMemoryMapFile::Faults(int32_t Offset, int32_t Count) const {
-  if (fView == nullptr || fBase != fView || Offset < 0 || Count < 0) return true;
-  size_t end = static_cast<size_t>(Offset) + static_cast<size_t>(Count);
-  return end > fViewBytes || end > static_cast<size_t>(fMapSize) + 4;
+  if (fView == nullptr || Offset < 0 || Count < 0) return true;
+  // Within the region's bytes, counted from fBase, and within the view
+  // wherever fBase points.
+  int64_t end = int64_t(Offset) + Count;
+  int64_t start = static_cast<int64_t>(reinterpret_cast<uintptr_t>(fBase)) -
+                  static_cast<int64_t>(reinterpret_cast<uintptr_t>(fView)) + Offset;
+  return end > int64_t(fMapSize) + 4 || start < 0 || start + Count > int64_t(fViewBytes);
 }
 
 void TMemoryMapFile::RaiseFault(int32_t Offset, bool Write) const {

@@ -79,6 +79,14 @@ TEST(MemoryMapFile, AccessOutsideTheRegionOrOnAClosedMapRaises) {
   EXPECT_THROW(Write(map, 10, std::string(11, 'x')), EAccessViolation);
   EXPECT_EQ(Read(map, 10, 6), std::string(6, '\0')); // the refused write wrote nothing
 
+  // Offsets count from fBase, wherever a caller points it; the view still bounds them.
+  map.fBase = static_cast<char *>(map.fView) + 4;
+  map.SetMemL(0, 9);
+  EXPECT_EQ(map.GetMemL(12), 7); // the last 4 bytes again
+  EXPECT_THROW(map.GetMemL(13), EAccessViolation);
+  map.fBase = map.fView;
+  EXPECT_EQ(map.GetMemL(4), 9);
+
   map.Close();
   EXPECT_EQ(map.fMapSize, 0);
   EXPECT_EQ(map.fView, nullptr);
