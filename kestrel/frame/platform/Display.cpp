@@ -1,5 +1,6 @@
 #include <kestrel/frame/platform/Display.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -7,6 +8,34 @@
 #include <string>
 
 namespace kestrel {
+
+namespace {
+
+// The screen's context is the address of this object; it has no state.
+char gScreenContext;
+std::atomic<int32_t> gScreenPixelsPerInch{kDefaultScreenPixelsPerInch};
+
+} // namespace
+
+HDC GetDC(HWND window) {
+  return window ? nullptr : &gScreenContext;
+}
+
+int32_t GetDeviceCaps(HDC dc, int32_t index) {
+  if (dc != &gScreenContext) return 0;
+  if (index == LOGPIXELSX || index == LOGPIXELSY)
+    return gScreenPixelsPerInch.load(std::memory_order_relaxed);
+  return 0;
+}
+
+int32_t ReleaseDC(HWND window, HDC dc) {
+  return dc == &gScreenContext ? 1 : 0;
+}
+
+void SetScreenPixelsPerInch(int32_t pixelsPerInch) {
+  gScreenPixelsPerInch.store(pixelsPerInch > 0 ? pixelsPerInch : kDefaultScreenPixelsPerInch,
+                             std::memory_order_relaxed);
+}
 
 namespace {
 
@@ -36,14 +65,6 @@ ScreenSize FindScreen() {
   ReadPair("/sys/class/graphics/fb0/virtual_size", "%d,%d", size);
   return size;
 }
-
-const ScreenSize &Screen() {
-  static const ScreenSize screen = FindScreen();
-  return screen;
-}
-
-// A stand-in handle: the screen is the only device context.
-int gScreenDC;
 
 constexpr uint32_t Rgb(uint32_t r, uint32_t g, uint32_t b) {
   return r | g << 8 | b << 16;
@@ -75,7 +96,7 @@ constexpr uint32_t kSysColors[31] = {
     Rgb(212, 208, 200), // 3-D light
     Rgb(0, 0, 0),       // tool tip text
     Rgb(255, 255, 225), // tool tip background
-    Rgb(181, 181, 181), // (unused slot 25)
+    Rgb(181, 181, 181), // alternate button face
     Rgb(0, 0, 128),     // hot-tracked item
     Rgb(166, 202, 240), // active caption gradient
     Rgb(192, 192, 192), // inactive caption gradient
@@ -90,35 +111,9 @@ bool SystemParametersInfoA(uint32_t action, uint32_t, void *param, uint32_t) {
     errno = EINVAL;
     return false;
   }
-  *static_cast<RECT *>(param) = {0, 0, Screen().width, Screen().height};
+  static const ScreenSize screen = FindScreen();
+  *static_cast<RECT *>(param) = {0, 0, screen.width, screen.height};
   return true;
-}
-
-HDC GetDC(void *window) {
-  return window == nullptr ? &gScreenDC : nullptr;
-}
-
-int32_t ReleaseDC(void *, HDC dc) {
-  return dc == &gScreenDC ? 1 : 0;
-}
-
-int32_t GetDeviceCaps(HDC dc, int32_t index) {
-  if (dc != &gScreenDC) return 0;
-  switch (index) {
-  case HORZRES:
-    return Screen().width;
-  case VERTRES:
-    return Screen().height;
-  case BITSPIXEL:
-    return 32;
-  case PLANES:
-    return 1;
-  case LOGPIXELSX:
-  case LOGPIXELSY:
-    return 96;
-  default:
-    return 0;
-  }
 }
 
 uint32_t GetSysColor(int32_t index) {

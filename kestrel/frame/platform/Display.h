@@ -1,43 +1,52 @@
-// The screen under the Windows names. The library draws nothing and may run
-// where there is no display, so it asks the kernel's graphics devices for
-// the screen's size (the first connected DRM output's first mode, else the
-// frame buffer's) and otherwise answers 1024 x 768. The work area is the
-// whole screen: Linux has no one task bar to leave out. The logical
-// resolution is the conventional 96 pixels per inch, and the system colours
-// are those of the classic Windows scheme.
+// The screen's device context: the one display device the library asks about.
+//
+// The library reads no environment, so it cannot find the user's display
+// session (which Linux names only there); the screen answers the logical
+// pixels per inch of a display at 100% scale, 96, unless the tool that knows
+// its display says otherwise.
 #pragma once
 
 #include <cstdint>
 
+#include <kestrel/frame/host/Types.h>
+
 namespace kestrel {
+
+using HDC = void *;
+
+// Items of GetDeviceCaps: logical pixels per inch, across and down.
+inline constexpr int32_t LOGPIXELSX = 88;
+inline constexpr int32_t LOGPIXELSY = 90;
+// The logical pixels per inch of a display at 100% scale.
+inline constexpr int32_t kDefaultScreenPixelsPerInch = 96;
+
+// The screen's device context for a null window. This layer owns no windows:
+// any other window gives null.
+HDC GetDC(HWND window);
+// An item of a device context; 0 for an item it does not know or a null context.
+int32_t GetDeviceCaps(HDC dc, int32_t index);
+// 1 when dc is the screen's context, else 0.
+int32_t ReleaseDC(HWND window, HDC dc);
+
+// Sets the logical pixels per inch that the screen reports; a value below 1
+// goes back to 96.
+void SetScreenPixelsPerInch(int32_t pixelsPerInch);
 
 struct RECT {
   int32_t left, top, right, bottom;
 };
 static_assert(sizeof(RECT) == 16);
 
-using HDC = void *;
-
 inline constexpr uint32_t SPI_GETWORKAREA = 0x0030;
 
-inline constexpr int32_t HORZRES = 8;
-inline constexpr int32_t VERTRES = 10;
-inline constexpr int32_t BITSPIXEL = 12;
-inline constexpr int32_t PLANES = 14;
-inline constexpr int32_t LOGPIXELSX = 88;
-inline constexpr int32_t LOGPIXELSY = 90;
-
-// SPI_GETWORKAREA fills the RECT that param points to; other actions fail.
+// SPI_GETWORKAREA fills the RECT that param points to with the whole screen
+// (Linux has no one task bar to leave out): the first connected DRM output's
+// first mode (/sys/class/drm), else the frame buffer's size, else 1024 x 768.
+// Other actions fail.
 bool SystemParametersInfoA(uint32_t action, uint32_t uiParam, void *param, uint32_t winIni);
 
-// The screen's device context (for a null window; others have none).
-HDC GetDC(void *window);
-int32_t ReleaseDC(void *window, HDC dc);
-// HORZRES, VERTRES, BITSPIXEL (32), PLANES (1), LOGPIXELSX and LOGPIXELSY
-// (96); 0 for other items.
-int32_t GetDeviceCaps(HDC dc, int32_t index);
-
-// A system colour, 0x00BBGGRR; 0 for an index outside 0 to 30.
+// A system colour, 0x00BBGGRR, from the classic Windows scheme; 0 for an
+// index outside 0 to 30.
 uint32_t GetSysColor(int32_t index);
 
 } // namespace kestrel
