@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include <kestrel/files/WinGenOkInternal.h>
 #include <kestrel/frame/Units.h>
 #include <kestrel/frame/host/BoolStrs.h>
 #include <kestrel/frame/host/DateUtils.h>
@@ -30,9 +31,7 @@ void StartWinGenOk() {
   SystemParametersInfoA(SPI_GETWORKAREA, 0, &Work_Area, 0);
   Windows_Version.dwOSVersionInfoSize = sizeof(OSVERSIONINFOA);
   GetVersionExA(&Windows_Version);
-  running_XP_or_better =
-      Windows_Version.dwMajorVersion > 5 ||
-      (Windows_Version.dwMajorVersion == 5 && Windows_Version.dwMinorVersion >= 1);
+  running_XP_or_better = IsXPOrBetter(Windows_Version);
   GetSystemInfo(&systeminfo);
 }
 

@@ -1,6 +1,7 @@
 // The file and folder functions of WinGenOk: new names, listings, questions.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -80,6 +81,13 @@ TEST(WinGenOkFiles, StrForcedToBeNewFileMakesAnEightCharacterStem) {
   std::snprintf(buf, sizeof buf, "%s", (dir / "abc.txt").c_str());
   StrForcedToBeNewFile(buf, sizeof buf);
   EXPECT_EQ(buf, dir / "abc00003.txt");
+
+  std::string exact = dir / "x.t", fits = dir / "x0000001.t";
+  std::vector<char> room(fits.size() + 1);
+  std::memcpy(room.data(), exact.c_str(), exact.size() + 1);
+  SetBatchFileStartNumberTo(0);
+  EXPECT_TRUE(StrForcedToBeNewFile(room.data(), room.size())); // just room for the terminator
+  EXPECT_EQ(std::string(room.data()), fits);
 
   std::string small = dir / "x.t";
   std::vector<char> tight(small.begin(), small.end());

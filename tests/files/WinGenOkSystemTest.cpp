@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <kestrel/files/WinGenOk.h>
+#include <kestrel/files/WinGenOkInternal.h>
 #include <kestrel/frame/host/BoolStrs.h>
 #include <kestrel/frame/host/DateUtils.h>
 #include <kestrel/frame/platform/Errors.h>
@@ -48,6 +49,17 @@ TEST(WinGenOkSystem, StartUpFacts) {
   EXPECT_EQ(Work_Area.top, 0);
   EXPECT_GT(Work_Area.right, 0);
   EXPECT_GT(Work_Area.bottom, 0);
+
+  struct Version {
+    uint32_t major, minor;
+    bool xp;
+  } versions[] = {{4, 9, false}, {5, 0, false}, {5, 1, true}, {5, 2, true}, {6, 0, true}};
+  for (const Version &v : versions) {
+    OSVERSIONINFOA info{};
+    info.dwMajorVersion = v.major;
+    info.dwMinorVersion = v.minor;
+    EXPECT_EQ(IsXPOrBetter(info), v.xp) << v.major << "." << v.minor;
+  }
 
   OSVERSIONINFOA wrong{};
   wrong.dwOSVersionInfoSize = 156;
