@@ -2,6 +2,7 @@
 #pragma once
 
 #include <kestrel/files/PeruseDir.h>
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/files/WinGenOk.h>
 #include <kestrel/files/file_utils.h>
 #include <kestrel/files/myFileStreamU.h>

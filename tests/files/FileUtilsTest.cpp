@@ -13,8 +13,8 @@
 #include <kestrel/frame/platform/Errors.h>
 #include <kestrel/frame/platform/FileSystem.h>
 
-#include "TestSupport.h"
 #include "files/SharedRegionTestSupport.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 using kestrel::test::InChild;

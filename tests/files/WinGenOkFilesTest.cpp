@@ -13,7 +13,7 @@
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Volumes.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 using kestrel::test::ReadFileBytes;
