@@ -9,4 +9,5 @@
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UTBMSearch.h>
 #include <kestrel/search/WordBounds.h>
+#include <kestrel/search/bare_assemb.h>
 #include <kestrel/search/myMasks.h>

@@ -40,6 +40,7 @@ KESTREL_DECLARE_EXCEPTION(EOutOfMemory, Exception);
 KESTREL_DECLARE_EXCEPTION(EInOutError, Exception);
 KESTREL_DECLARE_EXCEPTION(EMaskException, Exception);
 KESTREL_DECLARE_EXCEPTION(EInvalidOperation, Exception);
+KESTREL_DECLARE_EXCEPTION(EAccessViolation, Exception);
 
 // A failed operating-system call, with the system's error code.
 class EOSError : public Exception {

@@ -32,4 +32,21 @@ int32_t ReleaseDC(HWND window, HDC dc);
 // goes back to 96.
 void SetScreenPixelsPerInch(int32_t pixelsPerInch);
 
+struct RECT {
+  int32_t left, top, right, bottom;
+};
+static_assert(sizeof(RECT) == 16);
+
+inline constexpr uint32_t SPI_GETWORKAREA = 0x0030;
+
+// SPI_GETWORKAREA fills the RECT that param points to with the whole screen
+// (Linux has no one task bar to leave out): the first connected DRM output's
+// first mode (/sys/class/drm), else the frame buffer's size, else 1024 x 768.
+// Other actions fail.
+bool SystemParametersInfoA(uint32_t action, uint32_t uiParam, void *param, uint32_t winIni);
+
+// A system colour, 0x00BBGGRR, from the classic Windows scheme; 0 for an
+// index outside 0 to 30.
+uint32_t GetSysColor(int32_t index);
+
 } // namespace kestrel

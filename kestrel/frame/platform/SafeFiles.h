@@ -1,4 +1,4 @@
-// Writing and copying files so that a failure leaves no partial file: the new
+// Writing files so that a failure leaves no partial file: the new
 // contents go to a temporary file beside the target, which is then renamed
 // over it in one step.
 #pragma once
@@ -6,13 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace kestrel {
+#include <kestrel/frame/platform/FileSystem.h> // CopyFileA, the copying counterpart
 
-// Copies a file's bytes, permissions and last-write time to a new name (the
-// Windows CopyFileA). With failIfExists an existing target is left alone and
-// the call fails; otherwise it is replaced whole. False on any failure, with
-// errno telling why; the old target is then as it was.
-bool CopyFileA(const char *existingFileName, const char *newFileName, bool failIfExists);
+namespace kestrel {
 
 // Puts bytes in a file, replacing it whole, or creating it. An existing
 // file keeps its permissions, and a symbolic link keeps pointing at the file,
