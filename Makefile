@@ -3,7 +3,7 @@
 #   make test   - installs what is missing, builds, runs every test (plain, then ASan+UBSan)
 
 PACKAGES := build-essential cmake pkg-config libicu-dev libzip-dev libgtest-dev \
-            libbenchmark-dev libpcre2-dev zip unzip
+            libbenchmark-dev libpcre2-dev zip unzip clang libclang-rt-14-dev
 JOBS     ?= $(shell nproc 2>/dev/null || echo 2)
 BUILD    ?= build
 ASAN     ?= build-asan

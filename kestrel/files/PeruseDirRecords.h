@@ -45,6 +45,21 @@ using TListingFileEvent = OfObject<void(TMySearchRec &SR)>;
 using TFoundDirEvent = OfObject<void(const std::string &DirName)>;
 using TZipReadingEvent = OfObject<void(int32_t num, int32_t out_of)>;
 using TZipDoneReadingEvent = OfObject<void(int32_t zips_handled)>;
+// What the scanner passed by, and why: notes (a special file, a link to a
+// folder not followed, a folder already walked, members past the numbers a
+// record holds) and failures (a folder or an archive that can't be read).
+enum class TSkipReason : uint8_t {
+  NotAFile,
+  LinkNotFollowed,
+  FolderWalked,
+  MembersLeftOut,
+  UnreadableFolder,
+  UnreadableArchive
+};
+// name: the full name of what was passed by; detail: the system's reason or
+// what the thing is ("a FIFO (named pipe)").
+using TSkippedEvent =
+    OfObject<void(const std::string &name, TSkipReason why, const std::string &detail)>;
 // Declared for the tools; the library calls none of these.
 using TFoundFileEvent = OfObject<void(const std::string &FileName, TMySearchRec &SR)>;
 using TAllFilesProgressEvent = OfObject<void(int32_t percent)>;
