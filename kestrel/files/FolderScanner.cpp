@@ -192,7 +192,8 @@ void TPeruseDir::ScanFolder(const std::string &folder, Sink &sink) {
           } else {
             rec.Date = FileDateToDateTime(found.Time);
           }
-          rec.Size = static_cast<int32_t>(found.Size);
+          rec.Size = static_cast<int32_t>(found.Size); // the low 32 bits, as stored
+          rec.FullSize = found.Size;
           rec.Attr = found.Attr;
           rec.ZipNumber = 0;
           rec.Name = found.Name;
@@ -265,7 +266,8 @@ void TPeruseDir::AddAZipTo(Sink &sink, const std::string &folder, const std::str
       TMySearchRec rec;
       rec.Name = folder + zipName + PathDelim + zip->GetPathname(i) + name;
       rec.Date = zip->GetDateTime(i);
-      rec.Size = static_cast<int32_t>(zip->GetUnCompressedSize(i));
+      rec.FullSize = zip->GetUnCompressedSize(i);
+      rec.Size = static_cast<int32_t>(rec.FullSize);
       rec.Attr = zip->GetExternalFileAttributes(i);
       rec.ZipNumber = static_cast<int16_t>(i + 1);
       if (sink.list != nullptr) sink.list->AddRec(rec);

@@ -19,6 +19,9 @@ struct TMySearchRec {
   int32_t Attr = 0;
   int16_t ZipNumber = 0;
   std::string Name;
+  // Not stored: the size in full, which the 32 bits of Size (as stored) hold
+  // only below 2 GiB. The scanner sets both; a listing read back has Size.
+  int64_t FullSize = 0;
 };
 
 // The fixed part of a record in a stored listing; the name follows it as a
