@@ -62,13 +62,14 @@ inline std::u16string Units(std::string_view bytes) {
 // A folder of the target's own below the system's temporary folder, made
 // once per run and removed when the run ends.
 inline const std::string &PrivateFolder() {
-  static std::string folder = [] {
-    std::string pattern = "/tmp/kestrel-fuzz-XXXXXX";
+  // Never freed: the removal at exit runs after static objects are gone.
+  static const std::string *folder = [] {
+    std::string pattern = "/dev/shm/kestrel-fuzz-XXXXXX";
     if (!::mkdtemp(pattern.data())) std::abort();
     std::atexit([] { std::system(("rm -rf " + PrivateFolder()).c_str()); });
-    return pattern;
+    return new std::string(pattern);
   }();
-  return folder;
+  return *folder;
 }
 
 // Writes bytes to a file, replacing it.

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const uint8_t options = in.Byte();
   const std::u16string pattern = Units(in.Part() + in.Part());
-  const std::u16string text = Units(in.Bytes(512));
+  const std::u16string text = Units(in.Bytes(256));
   TSearchFlags flags;
   if (options & 1) flags.Include(TSearchFlag::sfCaseSensitive);
   const uint32_t scanFlags = (options >> 1) & (IgnoreNonSpacingMarks | DotMatchesAll);
