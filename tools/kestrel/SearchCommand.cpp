@@ -18,7 +18,9 @@
 #include <kestrel/unicode/CodePages.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
 #include "SearchInputs.h"
+#include "SearchLimits.h"
 #include "TextFiles.h"
 
 namespace kestrel::cli {
@@ -83,6 +85,17 @@ std::u16string StripOneLineBreak(std::u16string s) {
   return s;
 }
 
+// The pattern file's bytes; one that can't be read ends the command.
+std::string ReadPatternFile(const std::string &name) {
+  try {
+    return ReadFileLimited(name, kDefaultMaxFileSize);
+  } catch (const InputFailed &failed) {
+    throw Exception(DisplayName(name) + ": " + failed.why);
+  } catch (const InputSkipped &skipped) {
+    throw Exception(DisplayName(name) + ": " + skipped.why);
+  }
+}
+
 // The pattern and the paths: from --pattern-file (decoded like the texts,
 // one final line break dropped) or from the first argument.
 std::u16string TakePattern(const Args &args, const TextEncoding &encoding,
@@ -90,7 +103,8 @@ std::u16string TakePattern(const Args &args, const TextEncoding &encoding,
   paths = args.Positional();
   std::u16string pattern;
   if (args.Has("pattern-file")) {
-    pattern = StripOneLineBreak(ReadTextFile(args.Value("pattern-file"), encoding).text);
+    pattern =
+        StripOneLineBreak(DecodeText(ReadPatternFile(args.Value("pattern-file")), encoding).text);
   } else {
     if (paths.empty()) throw UsageError{"no pattern given"};
     pattern = UTF8ToWideString(paths.front());
@@ -207,7 +221,8 @@ class Printer {
 public:
   virtual ~Printer() = default;
   virtual void Print(const Hit &hit, const std::u16string &text) = 0;
-  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches) = 0;
+  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches,
+                      const std::string &failed) = 0;
 };
 
 class ConcordancePrinter : public Printer {
@@ -217,14 +232,17 @@ public:
     Piece left = LeftContext(text, h.start, width_);
     Piece right = RightContext(text, h.stop, width_);
     std::string where = std::to_string(h.line) + ":" + std::to_string(h.column);
-    std::printf("%-*s %9s  %*s%s  %s  %s\n", static_cast<int>(nameWidth_), h.file->c_str(),
-                where.c_str(), width_ - left.columns, "", Utf16ToUtf8Lossless(left.text).c_str(),
+    std::printf("%-*s %9s  %*s%s  %s  %s\n", static_cast<int>(nameWidth_),
+                DisplayName(*h.file).c_str(), where.c_str(), width_ - left.columns, "",
+                Utf16ToUtf8Lossless(left.text).c_str(),
                 Utf16ToUtf8Lossless(Flatten(text.substr(h.start, h.stop - h.start))).c_str(),
                 Utf16ToUtf8Lossless(right.text).c_str());
   }
-  void Finish(uint64_t matches, size_t files, size_t withMatches) override {
-    std::printf("%llu match%s in %zu of %zu file%s\n", static_cast<unsigned long long>(matches),
-                matches == 1 ? "" : "es", withMatches, files, files == 1 ? "" : "s");
+  void Finish(uint64_t matches, size_t files, size_t withMatches,
+              const std::string &failed) override {
+    std::printf("%llu match%s in %zu of %zu file%s%s%s\n", static_cast<unsigned long long>(matches),
+                matches == 1 ? "" : "es", withMatches, files, files == 1 ? "" : "s",
+                failed.empty() ? "" : "; ", failed.c_str());
   }
 
 private:
@@ -242,7 +260,10 @@ public:
                 JsonString(Utf16ToUtf8Lossless(text.substr(h.start, h.stop - h.start))).c_str());
     first_ = false;
   }
-  void Finish(uint64_t, size_t, size_t) override { std::printf("%s]\n", first_ ? "" : "\n"); }
+  void Finish(uint64_t, size_t, size_t, const std::string &failed) override {
+    std::printf("%s]\n", first_ ? "" : "\n");
+    if (!failed.empty()) std::fprintf(stderr, "kestrel search: %s\n", failed.c_str());
+  }
 
 private:
   bool first_ = true;
@@ -250,26 +271,65 @@ private:
 
 // ---- The command
 
+// The matches of one text, printed; at most maxCount of them, and a note
+// when the search of the text stopped early.
 uint32_t SearchOne(TSearchEngine &engine, const Input &input, const std::u16string &text,
-                   Printer &printer) {
-  if (text.size() > 0x7FFFFFFF) throw EConvertError(input.name + ": text too long to search");
-  if (!engine.FindAll(text.data(), static_cast<uint32_t>(text.size()))) return 0;
-  const std::vector<uint32_t> starts = LineStarts(text);
-  for (uint32_t i = 0; i < engine.GetCount(); ++i) {
-    int32_t a = 0, b = 0;
-    engine.GetResult(i, a, b);
-    auto start = static_cast<uint32_t>(a), stop = static_cast<uint32_t>(b);
-    auto line = std::upper_bound(starts.begin(), starts.end(), start) - starts.begin();
-    uint32_t column = Characters(text, starts[line - 1], start) + 1;
-    printer.Print(Hit{&input.name, start, stop, static_cast<uint32_t>(line), column}, text);
+                   uint64_t maxCount, Printer &printer, FileProblems &problems) {
+  if (text.size() > 0x7FFFFFFF) throw InputFailed{"text too long to search"};
+  std::vector<uint32_t> starts; // made at the first match
+  // Columns count on from the last match on the same line, so that many
+  // matches on one long line cost no more than the line.
+  uint32_t lastLine = 0, lastAt = 0, lastColumn = 0;
+  const BoundedSearch found =
+      FindBounded(engine, text, maxCount, [&](uint32_t start, uint32_t stop) {
+        if (starts.empty()) starts = LineStarts(text);
+        const auto line = static_cast<uint32_t>(
+            std::upper_bound(starts.begin(), starts.end(), start) - starts.begin());
+        if (line != lastLine || start < lastAt) {
+          lastLine = line;
+          lastAt = starts[line - 1];
+          lastColumn = 1;
+        }
+        lastColumn += Characters(text, lastAt, start);
+        lastAt = start;
+        printer.Print(Hit{&input.name, start, stop, line, lastColumn}, text);
+      });
+  if (found.emptyCapReached)
+    problems.Note(input.name, "more than " + std::to_string(kMaxEmptyMatches) +
+                                  " empty matches; the rest of the text was not searched");
+  return static_cast<uint32_t>(found.matches);
+}
+
+// Reads, decodes and searches one input; a text that can't be had is
+// reported and counts no match.
+uint32_t SearchInput(TSearchEngine &engine, const Input &in, const TextEncoding &encoding,
+                     uint64_t maxCount, Printer &printer, FileProblems &problems) {
+  try {
+    const DecodedText decoded = DecodeText(in.load(), encoding);
+    return SearchOne(engine, in, decoded.text, maxCount, printer, problems);
+  } catch (const InputSkipped &skipped) {
+    problems.Note(in.name, skipped.why);
+  } catch (const InputFailed &failed) {
+    problems.Failure(in.name, failed.why);
+  } catch (const std::bad_alloc &) {
+    problems.Failure(in.name, "out of memory");
+  } catch (const Exception &e) {
+    problems.Failure(in.name, e.Message());
   }
-  return engine.GetCount();
+  return 0;
+}
+
+// --max-count: matches per text, all when not given.
+uint64_t MaxCount(const Args &args) {
+  const int64_t n = args.Number("max-count", -1);
+  if (args.Has("max-count") && n < 1) throw UsageError{"--max-count must be 1 or more"};
+  return n < 1 ? UINT64_MAX : static_cast<uint64_t>(n);
 }
 
 int RunSearch(const Args &args) {
-  auto unknown =
-      args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
-                    "pattern-file", "encoding", "json", "files", "recursive", "regex"});
+  auto unknown = args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word",
+                               "width", "pattern-file", "encoding", "json", "files", "recursive",
+                               "regex", "follow-links", "max-file-size", "max-count"});
   if (!unknown.empty()) throw UsageError{"unknown option --" + unknown.front()};
   const TextEncoding encoding =
       args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
@@ -278,7 +338,11 @@ int RunSearch(const Args &args) {
   std::vector<std::string> paths;
   const std::u16string pattern = TakePattern(args, encoding, paths);
   std::unique_ptr<TSearchEngine> engine = ChooseEngine(args, pattern);
-  SearchInputs sources(args.Value("files", "*.txt"), args.Has("recursive"));
+  const uint64_t maxCount = MaxCount(args);
+  FileProblems problems("search");
+  SearchInputs sources({args.Value("files", "*.txt"), args.Has("recursive"),
+                        args.Has("follow-links"), MaxFileSize(args.Value("max-file-size"))},
+                       problems);
   const std::vector<Input> inputs = EnumerateInputs(paths, sources);
 
   size_t nameWidth = 0;
@@ -298,15 +362,14 @@ int RunSearch(const Args &args) {
     if (showProgress)
       progress.Update("searching " + std::to_string(++done) + "/" + std::to_string(inputs.size()) +
                       ": " + in.name);
-    const DecodedText decoded = DecodeText(in.load(), encoding);
-    uint32_t n = SearchOne(*engine, in, decoded.text, *printer);
+    const uint32_t n = SearchInput(*engine, in, encoding, maxCount, *printer, problems);
     matches += n;
     withMatches += n > 0;
   }
   progress.Done();
-  printer->Finish(matches, inputs.size(), withMatches);
+  printer->Finish(matches, inputs.size(), withMatches, problems.Summary());
   std::fflush(stdout);
-  return 0;
+  return problems.Failures() > 0 ? 2 : 0;
 }
 
 const CommandRegistration kSearch{Command{
@@ -318,7 +381,9 @@ const CommandRegistration kSearch{Command{
     "  or what --encoding names. A PATH may be a folder or a ZIP archive: members\n"
     "  of archives are searched as texts. Each match shows file, line, column\n"
     "  (in characters, from 1), left context, the match and right context,\n"
-    "  aligned on the match.\n"
+    "  aligned on the match. A text that can't be read is reported with the\n"
+    "  reason and the others are searched; the exit status is then 2. FIFOs,\n"
+    "  sockets and devices in folders are passed by with a note.\n"
     "  --regex              the pattern is a regular expression (case folded unless\n"
     "                       --case-sensitive; goes with no other flag of the engine)\n"
     "  --case-sensitive     compare characters exactly (default: case folded)\n"
@@ -333,9 +398,13 @@ const CommandRegistration kSearch{Command{
     "  --files MASKS        in folders and archives, the files to search: up to 10\n"
     "                       masks separated by \";\" (default \"*.txt\")\n"
     "  --recursive          search the sub-folders of a folder too\n"
+    "  --follow-links       enter links to folders (each folder is searched once)\n"
+    "  --max-file-size SIZE texts larger than SIZE bytes (K, M, G: powers of 1024)\n"
+    "                       are passed by with a note (default 1G)\n"
+    "  --max-count N        at most N matches per text\n"
     "  --json               a JSON array: file, start and stop (UTF-16 unit offsets\n"
     "                       into the decoded text), line, column and the match",
-    {"width", "pattern-file", "encoding", "files"},
+    {"width", "pattern-file", "encoding", "files", "max-file-size", "max-count"},
     RunSearch}};
 
 } // namespace
