@@ -77,7 +77,7 @@ TEST(ScanCommand, ListsFilesAndMembersWithTheirNumbers) {
 }
 
 TEST(ScanCommand, Errors) {
-  EXPECT_EQ(RunKestrel("scan /no/such/folder").status, 1);
+  EXPECT_EQ(RunKestrel("scan /no/such/folder").status, 2);
   EXPECT_EQ(RunKestrel("scan").status, 2);
   EXPECT_EQ(RunKestrel("scan /tmp --bogus").status, 2);
   EXPECT_EQ(RunKestrel("scan /tmp --files 'a;b;c;d;e;f;g;h;i;j;k'").status, 1);
@@ -116,7 +116,7 @@ TEST(IdentifyCommand, SaysKindToolExtensionAndFormat) {
 
 TEST(IdentifyCommand, Errors) {
   TempDir dir;
-  EXPECT_EQ(RunKestrel("identify " + dir / "missing").status, 1);
+  EXPECT_EQ(RunKestrel("identify " + dir / "missing").status, 2);
   EXPECT_EQ(RunKestrel("identify --tool nobody " + dir.Path()).status, 2);
   EXPECT_EQ(RunKestrel("identify").status, 2);
 }
@@ -140,8 +140,9 @@ TEST(SearchOverCorpus, DamagedArchiveIsAnError) {
   TempDir dir;
   dir.WriteFile("bad.zip", std::string("PK\x03\x04", 4) + "not an archive");
   const Result r = RunKestrel("search kestrel " + dir / "bad.zip");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_TRUE(Has(r.out, "not a readable ZIP archive")) << r.out;
+  EXPECT_EQ(r.status, 2);
+  EXPECT_TRUE(Has(r.out, "kestrel search: " + dir / "bad.zip" + ": Not a zip archive")) << r.out;
+  EXPECT_TRUE(Has(r.out, "1 file could not be read (Not a zip archive: 1)")) << r.out;
 }
 
 } // namespace
