@@ -11,10 +11,12 @@ Args::Args(const std::vector<std::string> &argv, const std::vector<std::string> 
   for (size_t i = 0; i < argv.size(); ++i) {
     const std::string &a = argv[i];
     if (onlyPositional || a.size() < 3 || a.compare(0, 2, "--") != 0) {
-      if (a == "--")
+      if (a == "--") {
         onlyPositional = true;
-      else
-        positional_.push_back(a);
+        continue;
+      }
+      if (!onlyPositional && a.size() > 1 && a[0] == '-') singleDash_.push_back(a);
+      positional_.push_back(a);
       continue;
     }
     std::string name = a.substr(2), value;
@@ -67,6 +69,12 @@ std::vector<std::string> Args::Unknown(const std::vector<std::string> &known) co
     if (!ok) out.push_back("--" + name);
   }
   return out;
+}
+
+void Args::RefuseSingleDash() const {
+  if (!singleDash_.empty())
+    throw UsageError{"unknown option " + singleDash_.front() +
+                     " (options take two dashes; put -- before an argument that starts with -)"};
 }
 
 namespace {

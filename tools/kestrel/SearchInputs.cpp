@@ -1,6 +1,8 @@
 // Folders, ZIP archives and files as inputs of kestrel search.
 #include "SearchInputs.h"
 
+#include <iostream>
+
 #include <kestrel/kestrel.h>
 
 namespace kestrel::cli {
@@ -149,9 +151,28 @@ SearchInputs::SearchInputs(Options options, FileProblems &problems)
 
 SearchInputs::~SearchInputs() = default;
 
+namespace {
+
+// Standard input up to the limit, like a file.
+std::string ReadStandardInput(int64_t limit) {
+  std::string bytes;
+  char buffer[1 << 16];
+  while (std::cin.read(buffer, sizeof buffer) || std::cin.gcount() > 0) {
+    bytes.append(buffer, static_cast<size_t>(std::cin.gcount()));
+    if (static_cast<int64_t>(bytes.size()) > limit)
+      throw InputSkipped{"more than --max-file-size (" + SizeText(limit) + "), not read"};
+  }
+  if (std::cin.bad()) throw InputFailed{"standard input could not be read"};
+  return bytes;
+}
+
+} // namespace
+
 void SearchInputs::Add(const std::string &path, std::vector<Input> &inputs) {
   const int64_t limit = options_.maxFileSize;
-  if (DirectoryExists(path))
+  if (path == "-")
+    inputs.push_back({"(standard input)", [limit] { return ReadStandardInput(limit); }});
+  else if (DirectoryExists(path))
     AddFolder(path, inputs);
   else if (IsAZipFile(path) && FileExists(path))
     AddArchive(path, inputs);
@@ -184,7 +205,19 @@ void SearchInputs::AddFolder(const std::string &folder, std::vector<Input> &inpu
   collector.List(folder);
   if (options_.recursive) scanner.ProcessAllSubDirectories(folder);
   if (collector.failed) problems_.Failure(folder, "the scan of the folder failed");
+  if (collector.found.empty()) NoteUnmatchedFolder(folder);
   AddFound(collector, inputs);
+}
+
+// A folder that holds files, none of which the masks take: say so, since
+// the masks are easy to forget.
+void SearchInputs::NoteUnmatchedFolder(const std::string &folder) const {
+  TPeruseDir all("*", "*", "*", false, true, faAnyFile);
+  std::unique_ptr<TMySearchRecList> list(all.ListofAllFilesIn(folder));
+  if (!list || list->Count() == 0) return;
+  std::cerr << "kestrel search: " << DisplayName(folder) << ": none of its " << list->Count()
+            << " file" << (list->Count() == 1 ? "" : "s") << " matches --files \"" << options_.masks
+            << "\" (give --files to search others, e.g. --files \"*\")\n";
 }
 
 void SearchInputs::AddArchive(const std::string &archive, std::vector<Input> &inputs) {

@@ -32,8 +32,9 @@ struct Input {
 
 class MemberReader;
 
-// Turns folder and archive paths into inputs; other paths stay plain files.
-// What the scanner passes by or can't read goes to problems.
+// Turns folder and archive paths into inputs; "-" is standard input; other
+// paths stay plain files. What the scanner passes by or can't read goes to
+// problems.
 class SearchInputs {
 public:
   struct Options {
@@ -51,6 +52,7 @@ private:
   void AddFolder(const std::string &folder, std::vector<Input> &inputs);
   void AddArchive(const std::string &archive, std::vector<Input> &inputs);
   void AddFound(const Collector &collector, std::vector<Input> &inputs);
+  void NoteUnmatchedFolder(const std::string &folder) const;
   Options options_;
   FileProblems &problems_;
   std::shared_ptr<MemberReader> members_;

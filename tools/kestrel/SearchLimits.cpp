@@ -24,7 +24,7 @@ bool Next(TSearchEngine &engine, const std::u16string &text, uint32_t at, uint32
 // starts at the end of the last match; an empty match at the start of the
 // rest is kept once and the search goes on one character past it.
 BoundedSearch FindBounded(TSearchEngine &engine, const std::u16string &text, uint64_t maxCount,
-                          const std::function<void(uint32_t, uint32_t)> &onMatch) {
+                          const std::function<bool(uint32_t, uint32_t)> &onMatch) {
   BoundedSearch out;
   uint64_t empty = 0;
   uint32_t run = 0, s = 0, e = 0;
@@ -38,7 +38,10 @@ BoundedSearch FindBounded(TSearchEngine &engine, const std::u16string &text, uin
       break;
     }
     ++out.matches;
-    onMatch(run + s, run + e);
+    if (!onMatch(run + s, run + e)) {
+      out.countReached = true;
+      break;
+    }
     run += e;
     if (e > 0) continue;
     if (run == text.size()) break;

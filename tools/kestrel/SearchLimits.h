@@ -21,8 +21,9 @@ struct BoundedSearch {
 };
 
 // The matches FindAll would give, in order, handed to onMatch (start, stop)
-// as they are found, so that nothing grows with their number.
+// as they are found, so that nothing grows with their number; onMatch gives
+// false to stop there.
 BoundedSearch FindBounded(TSearchEngine &engine, const std::u16string &text, uint64_t maxCount,
-                          const std::function<void(uint32_t, uint32_t)> &onMatch);
+                          const std::function<bool(uint32_t, uint32_t)> &onMatch);
 
 } // namespace kestrel::cli
