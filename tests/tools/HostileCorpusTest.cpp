@@ -225,4 +225,60 @@ TEST(HostileCorpus, TerminatedSearchLeavesNoTemporaryFiles) {
   EXPECT_TRUE(Left(h.tmp.Path()).empty());
 }
 
+TEST(HostileCorpus, ResultsPerTextAreBounded) {
+  TempDir dir;
+  ::chmod(dir.Path().c_str(), 0755);
+  dir.WriteFile("a.txt", std::string(50000, 'a') + "\n");
+  const std::string a = dir / "a.txt";
+  struct Row {
+    std::vector<std::string> args;
+    int status;
+    const char *out, *err;
+  } rows[] = {
+      {{"search", "--max-count", "3", "a", a}, 0, "3 matches in 1 of 1 file", ""},
+      {{"search", "--regex", "--max-count", "2", "a+|b", a}, 0, "1 match in 1 of 1 file", ""},
+      {{"search", "--regex", "--single-pass", "--max-count", "4", "a", a}, 0, "4 matches", ""},
+      {{"search", "--regex", "q*", a}, 1, "0 matches", "more than 10000 empty matches"},
+      {{"search", "--regex", "--single-pass", "^", a},
+       1,
+       "0 matches",
+       "more than 10000 empty matches"},
+      {{"search", "--max-count", "0", "a", a}, 2, "", "--max-count must be 1 or more"},
+      {{"search", "--max-file-size", "12Q", "a", a}, 2, "", "--max-file-size needs a size"},
+      {{"search", "--max-file-size", "10K", "a", a},
+       1,
+       "0 matches",
+       "larger than --max-file-size (48.8 KiB > 10.0 KiB)"},
+  };
+  for (const Row &r : rows) {
+    SCOPED_TRACE(r.args[1] + " " + r.args[2]);
+    const KestrelRun run = Kestrel(r.args, dir.Path(), 30);
+    EXPECT_EQ(run.status, r.status) << run.err;
+    EXPECT_TRUE(Has(run.out, r.out)) << run.out;
+    EXPECT_TRUE(Has(run.err, r.err)) << run.err;
+  }
+}
+
+TEST(HostileCorpus, HostilePatternsAreRefusedQuicklyAndBriefly) {
+  TempDir dir;
+  ::chmod(dir.Path().c_str(), 0755);
+  dir.WriteFile("a.txt", "aaaaaaaaaaaa\n");
+  dir.WriteFile("long.txt", std::string(500000, '(') + "a");
+  for (const char *engine : {"--regex", "--single-pass"}) {
+    for (const char *pattern : {"a{12}", "a{4294967297}", "a{1,99999999999}"}) {
+      SCOPED_TRACE(std::string(engine) + " " + pattern);
+      std::vector<std::string> args{"search", "--regex", pattern, dir / "a.txt"};
+      if (std::string(engine) == "--single-pass") args.insert(args.begin() + 1, engine);
+      const KestrelRun r = Kestrel(args, dir.Path(), 20);
+      EXPECT_NE(r.status, -1);
+      EXPECT_FALSE(Has(r.err, "not a valid integer")) << r.err;
+      EXPECT_EQ(Has(r.err, "Expression too large"), std::string(pattern) != "a{12}") << r.err;
+    }
+  }
+  const KestrelRun r =
+      Kestrel({"search", "--regex", "--pattern-file", dir / "long.txt", dir / "a.txt"}, dir.Path());
+  EXPECT_TRUE(Has(r.err, "(500001 units): Unbalanced group")) << r.err.substr(0, 300);
+  EXPECT_LT(r.err.size(), 300u);
+}
+
 } // namespace

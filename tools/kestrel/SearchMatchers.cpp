@@ -7,6 +7,7 @@
 #include <kestrel/unicode/CodePages.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
 #include "SearchLimits.h"
 
 namespace kestrel::cli {
@@ -115,13 +116,24 @@ private:
   bool wholeWord_;
 };
 
+// The pattern for a message: quoted, and cut after 60 characters (a pattern
+// from a file may be any length), on one line.
+std::string QuotedPattern(const std::u16string &pattern) {
+  constexpr size_t kShown = 60;
+  if (pattern.size() <= kShown) return "'" + DisplayName(Utf16ToUtf8Lossless(pattern)) + "'";
+  size_t cut = kShown;
+  if (IsLowSurrogateUnit(pattern[cut])) --cut;
+  return "'" + DisplayName(Utf16ToUtf8Lossless(pattern.substr(0, cut))) + "...' (" +
+         std::to_string(pattern.size()) + " units)";
+}
+
 // The engine's message for a bad pattern is two lines, the first naming
 // the pattern it saw (a translation): one line naming the user's pattern.
 [[noreturn]] void RaiseBadPattern(const Exception &e, const std::u16string &pattern) {
   const std::string &message = e.Message();
   const size_t cut = message.find('\r');
   const std::string fault = cut == std::string::npos ? message : message.substr(cut + 1);
-  throw Exception("Error in regular expression '" + WideStringToUTF8(pattern) + "': " + fault);
+  throw Exception("Error in regular expression " + QuotedPattern(pattern) + ": " + fault);
 }
 
 } // namespace
