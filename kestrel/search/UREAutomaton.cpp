@@ -57,13 +57,11 @@ uint32_t TURESearch::ParseBounds(const char16_t *Text, uint32_t Limit, uint32_t 
     while (used < Limit && UnicodeIsWhiteSpace(Text[used]))
       ++used;
   };
-  // A number past what StrToInt takes stays at its largest value, which no
-  // bound may reach: the bound is then refused as too large.
   auto number = [&]() -> uint32_t {
-    int64_t value = 0;
+    std::string digits;
     while (used < Limit && IsDigitUnit(Text[used]))
-      value = std::min<int64_t>(value * 10 + (Text[used++] - u'0'), INT32_MAX);
-    return uint32_t(value);
+      digits += char(Text[used++]);
+    return digits.empty() ? 0 : uint32_t(StrToInt(digits));
   };
   skipBlanks();
   Min = number();

@@ -272,7 +272,7 @@ TEST(HostileCorpus, HostilePatternsAreRefusedQuicklyAndBriefly) {
       const KestrelRun r = Kestrel(args, dir.Path(), 20);
       EXPECT_NE(r.status, -1);
       EXPECT_FALSE(Has(r.err, "not a valid integer")) << r.err;
-      EXPECT_EQ(Has(r.err, "Expression too large"), std::string(pattern) != "a{12}") << r.err;
+      EXPECT_EQ(Has(r.err, "too large"), std::string(pattern) != "a{12}") << r.err;
     }
   }
   const KestrelRun r =

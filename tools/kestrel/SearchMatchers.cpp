@@ -148,6 +148,10 @@ std::unique_ptr<Matcher> Matcher::Make(const std::u16string &pattern, const Matc
     return std::make_unique<LongestMatcher>(translated, o);
   } catch (const ERegexSyntax &) {
     throw;
+  } catch (const EConvertError &) {
+    // The engine reads a bound with StrToInt, which refuses one past 2^31.
+    throw Exception("Error in regular expression " + QuotedPattern(pattern) +
+                    ": a repetition bound is too large");
   } catch (const Exception &e) {
     RaiseBadPattern(e, pattern);
   }
