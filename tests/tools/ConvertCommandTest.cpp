@@ -82,16 +82,25 @@ TEST(ConvertCommand, Utf16WithByteOrderMarks) {
 
 TEST(ConvertCommand, SurrogatesThroughUtf8) {
   TempDir dir;
-  // A pair is one four-byte form; a lone half keeps its own three-byte form
-  // and reads back as itself.
+  // A pair is one four-byte form; a lone half, which valid UTF-8 cannot
+  // hold, becomes U+FFFD with a note. The library's reader still takes a
+  // half's three-byte form back as the half.
   std::string pair("\xFF\xFE\x3D\xD8\x00\xDE", 6), lone("\xFF\xFE\x00\xD8"
                                                         "a\0",
                                                         6);
   EXPECT_EQ(Converted(dir, pair, {"--from", "utf-16", "--to", "utf-8"}), "\xF0\x9F\x98\x80");
-  std::string utf8 = Converted(dir, lone, {"--from", "utf-16", "--to", "utf-8"});
-  EXPECT_EQ(utf8, "\xED\xA0\x80"
-                  "a");
-  EXPECT_EQ(Converted(dir, utf8, {"--from", "utf-8", "--to", "utf-16"}), lone);
+  dir.WriteFile("lone.bin", lone);
+  RunResult r =
+      Convert(dir, {"--from", "utf-16", "--to", "utf-8", dir / "lone.bin", dir / "lone.txt"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_NE(r.err.find("1 lone surrogate half written as U+FFFD"), std::string::npos) << r.err;
+  EXPECT_EQ(ReadFileBytes(dir / "lone.txt"), "\xEF\xBF\xBD"
+                                             "a");
+  EXPECT_EQ(Converted(dir,
+                      "\xED\xA0\x80"
+                      "a",
+                      {"--from", "utf-8", "--to", "utf-16"}),
+            lone);
 }
 
 TEST(ConvertCommand, ReplacementsAreReported) {
