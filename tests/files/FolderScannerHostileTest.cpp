@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
 #include <kestrel/files/PeruseDir.h>
 #include <kestrel/frame/host/Host.h>
 

@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
 #include <kestrel/vocabulary/WdefStoredFiles.h>
 
 namespace {

@@ -18,8 +18,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
 
 namespace {
 

@@ -23,6 +23,8 @@
 #include <kestrel/kestrel.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
+#include "SearchInputs.h"
 
 namespace kestrel::cli {
 namespace {
@@ -43,7 +45,11 @@ std::string ReadAll(const std::string &path) {
     s << std::cin.rdbuf();
     return s.str();
   }
-  return ReadFileBytes(path);
+  try { // the input named as given, with the reason; a FIFO or device refused
+    return ReadFileLimited(path, INT64_MAX);
+  } catch (const InputFailed &failed) {
+    throw EFOpenError(DisplayName(path) + ": " + failed.why);
+  }
 }
 
 // UTF-16 input follows its byte-order mark; an odd byte at its end would be
