@@ -1,10 +1,37 @@
 // Regular expressions: any pattern compiles or is refused with the engine's
 // error, and on any text the fast scan (step table, start search) gives
-// what the automaton's plain tables give, from every start.
+// what the automaton's plain tables give, from every start. The same
+// pattern, read as familiar syntax, goes through the translation and the
+// leftmost-longest engine, whose matches must be ordered and in the text.
 #include "FuzzSupport.h"
+
+#include <kestrel/search/UREFamiliarSyntax.h>
+#include <kestrel/search/URELongestMatch.h>
 
 using namespace kestrel;
 using namespace kestrel::fuzz;
+
+namespace {
+
+void Longest(const std::u16string &pattern, TSearchFlags flags, const std::u16string &text) {
+  TURELongestMatch engine;
+  try {
+    engine.FindPrepare(
+        TranslateFamiliarSyntax(pattern, !flags.Contains(TSearchFlag::sfCaseSensitive)), flags);
+  } catch (const Exception &) {
+    return;
+  }
+  engine.SetMatchLimits(64, 64);
+  engine.FindAll(text);
+  uint32_t last = 0;
+  for (const TURELongestMatch::TMatch &m : engine.Matches()) {
+    if (m.Start < last || m.Start > m.Stop || m.Stop > text.size())
+      Finding("longest matches out of order or out of the text");
+    last = m.Stop;
+  }
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
   StartLibrary();
@@ -15,10 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const uint8_t options = in.Byte();
   const std::u16string pattern = Units(in.Part() + in.Part());
-  const std::u16string text = Units(in.Bytes(256));
+  const std::u16string text = Units(in.Bytes(128));
   TSearchFlags flags;
   if (options & 1) flags.Include(TSearchFlag::sfCaseSensitive);
   const uint32_t scanFlags = (options >> 1) & (IgnoreNonSpacingMarks | DotMatchesAll);
+  Longest(pattern, flags, text);
   TURESearch engine(nullptr);
   try {
     engine.FindPrepare(pattern, flags);
