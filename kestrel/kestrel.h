@@ -12,6 +12,7 @@
 #include <kestrel/frame/Units.h>
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/myKpSmall.h>
+#include <kestrel/frame/platform/CharCase.h>
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Resources.h>
