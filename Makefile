@@ -4,15 +4,17 @@
 #                 ASan+UBSan), with warnings as errors
 
 PACKAGES := build-essential cmake pkg-config libicu-dev libzip-dev libgtest-dev \
-            libbenchmark-dev libpcre2-dev zip unzip clang
+            libbenchmark-dev libpcre2-dev zip unzip clang libclang-rt-14-dev
 JOBS     ?= $(shell nproc 2>/dev/null || echo 2)
 BUILD    ?= build
 ASAN     ?= build-asan
 CLANG    ?= build-clang
 BENCHDIR ?= build-bench
+FUZZDIR  ?= build-fuzz
+FUZZ_SECONDS ?= 60
 KESTREL   = $(BUILD)/tools/kestrel
 
-.PHONY: all deps build test test-plain test-clang test-asan demo bench format clean
+.PHONY: all deps build test test-plain test-clang test-asan demo bench fuzz format clean
 
 all: build
 
@@ -61,11 +63,18 @@ bench: deps
 	cmake --build $(BENCHDIR) -j $(JOBS) --target kestrel_bench
 	$(BENCHDIR)/bench/kestrel_bench $(BENCH_ARGS)
 
+# Each libFuzzer target for FUZZ_SECONDS seconds, in turn and at low priority.
+fuzz: deps
+	cmake -S . -B $(FUZZDIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DKESTREL_FUZZ=ON -DBUILD_TESTING=OFF
+	cmake --build $(FUZZDIR) -j $(JOBS) --target fuzz_targets
+	FUZZ_SECONDS=$(FUZZ_SECONDS) sh fuzz/run.sh $(FUZZDIR)
+
 format:
-	find kestrel tests tools bench -name '*.h' -o -name '*.cpp' | xargs clang-format -i
+	find kestrel tests tools bench fuzz -name '*.h' -o -name '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN) $(CLANG) $(BENCHDIR)
+	rm -rf $(BUILD) $(ASAN) $(CLANG) $(BENCHDIR) $(FUZZDIR)
 
 # ---- Install, Debian package, install test ----------------------------------
 # make install PREFIX=/opt/kestrel   (DESTDIR is honoured as well)

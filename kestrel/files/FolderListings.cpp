@@ -104,6 +104,7 @@ bool TMySearchRecList::ReadFromStream(TStream *stream) {
     TMySearchRec rec;
     rec.Date = head.Date;
     rec.Size = head.Size;
+    rec.FullSize = head.Size;
     rec.Attr = head.Attr;
     rec.ZipNumber = head.ZipNumber;
     rec.Name = ReadShortString(stream);

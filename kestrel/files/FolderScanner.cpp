@@ -18,22 +18,42 @@ constexpr int32_t kHiddenAttr = 0x02;
 // Closes a directory search on every way out.
 class SearchScope {
 public:
-  SearchScope(const std::string &path, int32_t attr) { FFound = FindFirst(path, attr, FRec) == 0; }
+  SearchScope(const std::string &path, int32_t attr) {
+    FCode = FindFirst(path, attr, FRec);
+    FError = FCode == 0 ? 0 : GetLastOSError();
+    FFound = FCode == 0;
+  }
   ~SearchScope() { FindClose(FRec); }
   SearchScope(const SearchScope &) = delete;
   SearchScope &operator=(const SearchScope &) = delete;
   bool Found() const { return FFound; }
   void Next() { FFound = FindNext(FRec) == 0; }
   const TSearchRec &Rec() const { return FRec; }
+  int32_t Code() const { return FCode; } // of FindFirst
+  int32_t Error() const { return FError; }
 
 private:
   TSearchRec FRec{};
   bool FFound = false;
+  int32_t FCode = 0, FError = 0;
 };
 
 bool IsFolderOrVolume(const TSearchRec &rec) {
   return (rec.Attr & (kDirectoryAttr | kVolumeAttr)) != 0;
 }
+
+// A FIFO, socket, device or broken link: nothing to read as a text, and a
+// FIFO or a device could block a reader or never end.
+bool IsSpecial(const TSearchRec &rec) {
+  return !IsFolderOrVolume(rec) && rec.Kind != TFileKind::Regular;
+}
+
+// Keeps the depth of a walk on every way out.
+struct DepthScope {
+  int32_t &depth;
+  explicit DepthScope(int32_t &d) : depth(d) { ++depth; }
+  ~DepthScope() { --depth; }
+};
 
 // Splits a mask string at ";": every item, and what is left after the last
 // ";" even when that is empty.
@@ -120,13 +140,30 @@ std::string TPeruseDir::ZipSearchPattern() const {
          fZipExtension;
 }
 
+void TPeruseDir::Skipped(const std::string &name, TSkipReason why, const std::string &detail) {
+  if (OnSkipped) OnSkipped(name, why, detail);
+}
+
+// A folder whose search failed for another reason than finding nothing.
+void TPeruseDir::NoteUnreadableFolder(const std::string &folder, int32_t code, int32_t error) {
+  if (code == 0 || code == ERROR_FILE_NOT_FOUND) return;
+  const std::string name = ExcludeTrailingPathDelimiter(folder.empty() ? "." : folder);
+  if (FUnreadable.insert(name).second)
+    Skipped(name, TSkipReason::UnreadableFolder, SysErrorMessage(error));
+}
+
 void TPeruseDir::ScanFolder(const std::string &folder, Sink &sink) {
   const std::string dir = IncludeTrailingPathDelimiter(folder);
   if (fLookInZips) {
     SearchScope zips(dir + ZipSearchPattern(), fAttributes);
+    NoteUnreadableFolder(dir, zips.Code(), zips.Error());
     while (zips.Found()) {
-      if (!IsFolderOrVolume(zips.Rec())) {
-        AddAZipTo(sink, dir, zips.Rec().Name);
+      const TSearchRec &found = zips.Rec();
+      if (!IsFolderOrVolume(found)) {
+        if (IsSpecial(found))
+          Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
+        else
+          AddAZipTo(sink, dir, found.Name);
         MyYieldProcess();
       }
       zips.Next();
@@ -135,10 +172,15 @@ void TPeruseDir::ScanFolder(const std::string &folder, Sink &sink) {
   }
   ForEachMaskText(fFileMaskText, [&](const std::string &mask) {
     SearchScope files(dir + mask, fAttributes);
+    NoteUnreadableFolder(dir, files.Code(), files.Error());
     while (files.Found()) {
       const TSearchRec &found = files.Rec();
       if (!IsFolderOrVolume(found)) {
-        if (fZipsAsFiles || !fIsAZipfile(found.Name)) {
+        if (!fZipsAsFiles && fIsAZipfile(found.Name)) {
+          // an archive: its members were the zip pass's
+        } else if (IsSpecial(found)) {
+          Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
+        } else {
           TMySearchRec rec;
           if (sink.guardDates) {
             // A missing or bad stamp lists as 1 January 1970.
@@ -150,7 +192,8 @@ void TPeruseDir::ScanFolder(const std::string &folder, Sink &sink) {
           } else {
             rec.Date = FileDateToDateTime(found.Time);
           }
-          rec.Size = static_cast<int32_t>(found.Size);
+          rec.Size = static_cast<int32_t>(found.Size); // the low 32 bits, as stored
+          rec.FullSize = found.Size;
           rec.Attr = found.Attr;
           rec.ZipNumber = 0;
           rec.Name = found.Name;
@@ -207,6 +250,7 @@ void TPeruseDir::AddAZipTo(Sink &sink, const std::string &folder, const std::str
     zip->ReadZip();
     ++fZipsRead;
     const int32_t count = zip->GetCount();
+    int32_t leftOut = 0;
     for (int32_t i = 0; i < count; ++i) {
       MyYieldProcess();
       if (OnZipReading) OnZipReading(i, count);
@@ -214,20 +258,32 @@ void TPeruseDir::AddAZipTo(Sink &sink, const std::string &folder, const std::str
       if (name.empty() || fMatchesfZipMask(name) == 0) continue;
       // A member past the numbers a record can hold could not be opened by
       // its number again, so it is left out.
-      if (i + 1 > INT16_MAX) continue;
+      if (i + 1 > INT16_MAX) {
+        ++leftOut;
+        continue;
+      }
       ++fZipMembersFound;
       TMySearchRec rec;
       rec.Name = folder + zipName + PathDelim + zip->GetPathname(i) + name;
       rec.Date = zip->GetDateTime(i);
-      rec.Size = static_cast<int32_t>(zip->GetUnCompressedSize(i));
+      rec.FullSize = zip->GetUnCompressedSize(i);
+      rec.Size = static_cast<int32_t>(rec.FullSize);
       rec.Attr = zip->GetExternalFileAttributes(i);
       rec.ZipNumber = static_cast<int16_t>(i + 1);
       if (sink.list != nullptr) sink.list->AddRec(rec);
       if (OnListingZipFile) OnListingZipFile(rec);
     }
+    if (leftOut > 0)
+      Skipped(folder + zipName, TSkipReason::MembersLeftOut,
+              std::to_string(leftOut) + " members past number " + std::to_string(INT16_MAX));
     if (OnZipDoneReading) OnZipDoneReading(fZipsRead);
-  } catch (...) {
+  } catch (const EZipError &e) {
     // A damaged archive, or an event that failed inside it: skip the archive.
+    Skipped(folder + zipName, TSkipReason::UnreadableArchive, e.Reason);
+  } catch (const std::exception &e) {
+    Skipped(folder + zipName, TSkipReason::UnreadableArchive, e.what());
+  } catch (...) {
+    Skipped(folder + zipName, TSkipReason::UnreadableArchive, "unknown failure");
   }
 }
 
@@ -237,11 +293,33 @@ void TPeruseDir::ProcessAllSubDirectories(const std::string &folder) {
     fCountAnySubDirectories(dir + fDirMask[n - 1]->MaskText, n);
 }
 
+// A folder that the walk may enter: no link unless links are followed, and
+// none walked before (a loop, or a second way to the same folder).
+bool TPeruseDir::MayEnter(const std::string &full, const TSearchRec &found) {
+  if ((found.Attr & faSymLink) && !fFollowLinks) {
+    Skipped(full, TSkipReason::LinkNotFollowed, "a link to a folder");
+    return false;
+  }
+  if (!FWalked.insert(found.Identity).second) {
+    Skipped(full, TSkipReason::FolderWalked, "a folder walked already (a link loop?)");
+    return false;
+  }
+  return true;
+}
+
 void TPeruseDir::fCountAnySubDirectories(const std::string &pathWithMask, int32_t maskNumber) {
   if (maskNumber < 1 || maskNumber > fDirMaskCount) return;
   const TMyMask *mask = fDirMask[maskNumber - 1];
   const std::string parent = ExtractFilePath(pathWithMask);
+  if (FWalkDepth == 0) { // a new walk: its start is walked
+    FWalked.clear();
+    TFileKind kind;
+    TFileIdentity start;
+    if (FileKindOf(parent.empty() ? std::string(".") : parent, kind, start)) FWalked.insert(start);
+  }
+  DepthScope depth(FWalkDepth);
   SearchScope search(pathWithMask, kDirectoryAttr);
+  NoteUnreadableFolder(parent, search.Code(), search.Error());
   while (search.Found() && fCarryOn) {
     MyYieldProcess();
     const TSearchRec &found = search.Rec();
@@ -251,9 +329,9 @@ void TPeruseDir::fCountAnySubDirectories(const std::string &pathWithMask, int32_
     const bool counts = (found.Attr & kDirectoryAttr) != 0 && !found.Name.empty() &&
                         found.Name[0] != '.' && (found.Attr & (kVolumeAttr | kHiddenAttr)) == 0 &&
                         mask->Matches(testName);
-    if (counts) {
+    const std::string full = IncludeTrailingPathDelimiter(parent) + found.Name;
+    if (counts && MayEnter(full, found)) {
       ++fDirsFound;
-      const std::string full = IncludeTrailingPathDelimiter(parent) + found.Name;
       if (OnFoundDir) OnFoundDir(full);
       fCountAnySubDirectories(IncludeTrailingPathDelimiter(full) + mask->MaskText, maskNumber);
     }

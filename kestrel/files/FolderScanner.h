@@ -4,10 +4,12 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 
 #include <kestrel/files/FolderListings.h>
 #include <kestrel/files/PeruseDirRecords.h>
+#include <kestrel/frame/host/FindFile.h>
 #include <kestrel/frame/host/TObject.h>
 #include <kestrel/frame/zip/VCLUnZip.h>
 
@@ -62,6 +64,10 @@ public:
   bool fZipsAsFiles = false;
   bool fCarryOn = true;
   bool fLookInZips = false;
+  // The folder walk enters links to folders (false: it notes and passes
+  // them). Whether or not, no folder is walked twice by one mask's walk:
+  // folders are known by device and inode, so a loop ends where it closes.
+  bool fFollowLinks = false;
 
   TZipStartReadingEvent OnZipStartReading;
   TListingFileEvent OnListingZipFile;
@@ -72,6 +78,9 @@ public:
   // Handed to every archive reader the scanner creates (it reports each
   // directory entry read); the scanner itself never calls it.
   TUZEntryReadEvent OnZipComponentEvent;
+  // What the scanner passes by (special files, links, loops) or can't read
+  // (folders, archives); each folder that fails is reported once.
+  TSkippedEvent OnSkipped;
 
 private:
   // Sink of the two passes: the events, or a list.
@@ -80,6 +89,13 @@ private:
   void AddAZipTo(Sink &sink, const std::string &folder, const std::string &zipName);
   std::string ZipSearchPattern() const;
   void FreeMasks();
+  void Skipped(const std::string &name, TSkipReason why, const std::string &detail);
+  void NoteUnreadableFolder(const std::string &folder, int32_t code, int32_t error);
+  bool MayEnter(const std::string &full, const TSearchRec &found);
+
+  std::set<TFileIdentity> FWalked; // folders of the current walk
+  int32_t FWalkDepth = 0;
+  std::set<std::string> FUnreadable; // folders reported so far
 };
 
 } // namespace kestrel

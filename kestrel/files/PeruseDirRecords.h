@@ -19,6 +19,9 @@ struct TMySearchRec {
   int32_t Attr = 0;
   int16_t ZipNumber = 0;
   std::string Name;
+  // Not stored: the size in full, which the 32 bits of Size (as stored) hold
+  // only below 2 GiB. The scanner sets both; a listing read back has Size.
+  int64_t FullSize = 0;
 };
 
 // The fixed part of a record in a stored listing; the name follows it as a
@@ -45,6 +48,21 @@ using TListingFileEvent = OfObject<void(TMySearchRec &SR)>;
 using TFoundDirEvent = OfObject<void(const std::string &DirName)>;
 using TZipReadingEvent = OfObject<void(int32_t num, int32_t out_of)>;
 using TZipDoneReadingEvent = OfObject<void(int32_t zips_handled)>;
+// What the scanner passed by, and why: notes (a special file, a link to a
+// folder not followed, a folder already walked, members past the numbers a
+// record holds) and failures (a folder or an archive that can't be read).
+enum class TSkipReason : uint8_t {
+  NotAFile,
+  LinkNotFollowed,
+  FolderWalked,
+  MembersLeftOut,
+  UnreadableFolder,
+  UnreadableArchive
+};
+// name: the full name of what was passed by; detail: the system's reason or
+// what the thing is ("a FIFO (named pipe)").
+using TSkippedEvent =
+    OfObject<void(const std::string &name, TSkipReason why, const std::string &detail)>;
 // Declared for the tools; the library calls none of these.
 using TFoundFileEvent = OfObject<void(const std::string &FileName, TMySearchRec &SR)>;
 using TAllFilesProgressEvent = OfObject<void(int32_t percent)>;

@@ -122,8 +122,8 @@ private:
     auto number = [&](bool &zero, bool &given) {
       const size_t from = k;
       zero = true;
-      while (k < p_.size() && IsAsciiDigit(p_[k]))
-        zero = zero && p_[k++] == u'0';
+      for (; k < p_.size() && IsAsciiDigit(p_[k]); ++k)
+        zero = zero && p_[k] == u'0';
       given = k > from;
     };
     bool minZero = true, minGiven = false, maxZero = true, maxGiven = false, comma = false;

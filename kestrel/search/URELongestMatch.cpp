@@ -86,8 +86,9 @@ void TAutomaton::SetCacheLimit(size_t Limit) {
   if (FCache) FCache->SetLimit(Limit);
 }
 
-void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
-                      std::vector<TURELongestMatch::TMatch> &Matches) {
+bool TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
+                      std::vector<TURELongestMatch::TMatch> &Matches, uint64_t MaxFull,
+                      uint64_t MaxEmpty) {
   Matches.clear();
   std::vector<uint32_t> &regs = FRegisters;
   regs.clear();
@@ -115,6 +116,21 @@ void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
   // is alive.
   auto settled = [&] {
     return !Matches.empty() && (regs.empty() || regs.front() > Matches.front().Start);
+  };
+  // Matches before the earliest live attempt are final: none that follows
+  // can drop or lengthen them. They are counted once each, as they settle.
+  size_t final = 0;
+  uint64_t full = 0, empty = 0;
+  auto overLimit = [&] {
+    const uint32_t alive = regs.empty() ? UINT32_MAX : regs.front();
+    for (; final < Matches.size() && Matches[final].Start < alive; ++final) {
+      const bool isEmpty = Matches[final].Start == Matches[final].Stop;
+      if ((isEmpty ? ++empty > MaxEmpty : ++full > MaxFull)) {
+        Matches.resize(final + 1);
+        return true;
+      }
+    }
+    return false;
   };
 
   int32_t row = cache.StartRow();
@@ -154,12 +170,15 @@ void TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
       const TTransition &t = cache.Transition(e);
       apply(t, p, true);
       row = int32_t(t.TargetRow);
-      if (FirstOnly && settled()) return;
+      if (FirstOnly && settled()) return false;
+      if (overLimit()) return true;
     }
     }
     p += units;
   }
   apply(cache.Transition(cache.Entry(row, FClasses.EndClass())), TextLen, false);
+  regs.clear(); // the text has ended: every match is final
+  return overLimit();
 }
 
 } // namespace longest
@@ -196,7 +215,8 @@ bool TURELongestMatch::Run(const char16_t *Text, uint32_t TextLen, bool FirstOnl
   ClearResults();
   FMatches.clear();
   if (Text == nullptr || !FAutomaton) return false;
-  FAutomaton->Scan(Text, TextLen, FirstOnly, FMatches);
+  FLimitReached = FAutomaton->Scan(Text, TextLen, FirstOnly, FMatches, FMaxFull, FMaxEmpty);
+  if (FLimitReached) FMatches.pop_back(); // the one past the limit
   if (FirstOnly && FMatches.size() > 1) FMatches.resize(1);
   for (const TMatch &m : FMatches)
     AddResult(m.Start, m.Stop);

@@ -74,6 +74,14 @@ public:
   // empties it at every new transition, slowly, with the same answers), and
   // how often it has been emptied since the last FindPrepare.
   void SetCacheLimit(size_t Bytes);
+  // Bounds FindAll: it stops after MaxFull non-empty or MaxEmpty empty
+  // matches (unbounded at first), keeping those, and LimitReached says so.
+  // A pattern such as q* matches the empty text at every unit.
+  void SetMatchLimits(uint64_t MaxFull, uint64_t MaxEmpty) {
+    FMaxFull = MaxFull;
+    FMaxEmpty = MaxEmpty;
+  }
+  bool LimitReached() const { return FLimitReached; }
   uint64_t CacheFlushes() const;
   // States in the cache now, for tests.
   size_t CachedStates() const;
@@ -84,6 +92,8 @@ private:
   std::unique_ptr<longest::TAutomaton> FAutomaton;
   std::vector<TMatch> FMatches;
   size_t FCacheLimit = 8u << 20;
+  uint64_t FMaxFull = UINT64_MAX, FMaxEmpty = UINT64_MAX;
+  bool FLimitReached = false;
 };
 
 } // namespace kestrel

@@ -250,9 +250,12 @@ public:
              bool RightBounded, size_t CacheLimit);
   bool Valid() const { return FCache != nullptr; }
   // Runs over the text; FirstOnly stops at the first match that nothing can
-  // change any more.
-  void Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
-            std::vector<TURELongestMatch::TMatch> &Matches);
+  // change any more. The scan also stops, and gives true, once the matches
+  // that nothing can change any more hold more than MaxFull non-empty or
+  // MaxEmpty empty ones; Matches then ends with the one past the limit.
+  bool Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
+            std::vector<TURELongestMatch::TMatch> &Matches, uint64_t MaxFull = UINT64_MAX,
+            uint64_t MaxEmpty = UINT64_MAX);
   void SetCacheLimit(size_t Limit);
   uint64_t Flushes() const { return FCache ? FCache->Flushes() : 0; }
   size_t States() const { return FCache ? FCache->States() : 0; }

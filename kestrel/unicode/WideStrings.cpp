@@ -241,11 +241,17 @@ int32_t TWideStrings::IndexOf(const std::u16string &S) {
 }
 
 void TWideStrings::LoadFromFile(const std::string &FileName) {
+  errno = 0; // an error code left from before is no reason of this load
   try {
     TFileStream stream(FileName, 0x40);
     LoadFromStream(&stream);
-  } catch (...) {
-    RaiseLastOSError();
+  } catch (const std::exception &e) {
+    // The operating system's error, as the caller expects, with the file
+    // named: the open's message names it, others get the name in front.
+    const int32_t code = GetLastOSError();
+    std::string what = e.what();
+    if (what.find(FileName) == std::string::npos) what = "\"" + FileName + "\": " + what;
+    throw EOSError(code != 0 ? Format(Consts::SOSError, code, what.c_str()) : what, code);
   }
 }
 

@@ -85,6 +85,8 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxFinds, ::testing::Values(
     Found{u"a\\e", false, u"a\x1b", {{0, 2}}},
     Found{u"[\\e\\t]", false, u"\x1b\t", {{0, 1}, {1, 2}}},
     Found{u"\\d{2,3}", false, u"12345", {{0, 3}, {3, 5}}},
+    Found{u"a{10}", false, u"aaaaaaaaaaa", {{0, 10}}}, // bounds of more than one digit
+    Found{u"a{2,12}", false, u"aaa", {{0, 3}}},
     Found{u"\\d\\d5", false, u"125", {{0, 3}}},
     // The engine's own forms stay as they were.
     Found{u"\\p10\\p11+", false, u"The", {{0, 3}}},

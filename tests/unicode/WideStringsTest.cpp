@@ -2,8 +2,11 @@
 // streaming, and the sorted list with its duplicates, events and languages.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <functional>
+#include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include <kestrel/frame/host/Host.h>
@@ -212,11 +215,30 @@ TEST(WideStrings, FilesSaveLittleEndianAndPassOnErrors) {
   list.SaveToFile(dir / "le.txt");
   EXPECT_EQ(test::ReadFileBytes(dir / "le.txt"), std::string("\xFF\xFEh\0i\0\r\0\n\0", 10));
   EXPECT_THROW(list.SaveToFile(dir / "no-such-folder/out.txt"), EFCreateError);
-  try {
-    list.LoadFromFile(dir / "missing.txt");
-    FAIL() << "no exception";
-  } catch (const EOSError &e) {
-    EXPECT_EQ(e.ErrorCode, 2); // ENOENT
+}
+
+TEST(WideStrings, LoadFromFileRaisesTheSystemErrorWithTheFileNamed) {
+  test::TempDir dir;
+  ASSERT_EQ(::mkfifo((dir / "pipe").c_str(), 0644), 0);
+  ::mkdir((dir / "folder").c_str(), 0755);
+  errno = EPERM; // a stale error from before must not be the reason
+  struct Row {
+    std::string name, reason;
+    int32_t code;
+  } rows[] = {{"missing.txt", "No such file or directory", ENOENT},
+              {"folder", "Is a directory", EISDIR},
+              {"pipe", "FIFO", ENXIO}};
+  for (const Row &r : rows) {
+    SCOPED_TRACE(r.name);
+    TWideStringList list;
+    try {
+      list.LoadFromFile(dir / r.name);
+      ADD_FAILURE() << "no exception";
+    } catch (const EOSError &e) {
+      EXPECT_EQ(e.ErrorCode, r.code);
+      EXPECT_NE(e.Message().find(dir / r.name), std::string::npos) << e.Message();
+      EXPECT_NE(e.Message().find(r.reason), std::string::npos) << e.Message();
+    }
   }
 }
 

@@ -1,7 +1,9 @@
 #include "Cli.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <unistd.h>
 
 namespace kestrel::cli {
@@ -152,6 +154,43 @@ std::string Utf16ToUtf8Lossless(const std::u16string &text) {
     }
   }
   return out;
+}
+
+namespace {
+
+// Paths of the files held, read by the signal handler: fixed buffers, so
+// that the handler needs no allocation.
+constexpr int kHeldFiles = 8;
+char gHeld[kHeldFiles][4096];
+volatile std::sig_atomic_t gHeldUsed[kHeldFiles];
+
+extern "C" void RemoveHeldAndEnd(int signal) {
+  for (int i = 0; i < kHeldFiles; ++i)
+    if (gHeldUsed[i]) ::unlink(gHeld[i]);
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+} // namespace
+
+TemporaryFile::TemporaryFile(const std::string &path) {
+  if (path.size() >= sizeof gHeld[0]) return;
+  for (int i = 0; i < kHeldFiles; ++i)
+    if (!gHeldUsed[i]) {
+      std::memcpy(gHeld[i], path.c_str(), path.size() + 1);
+      gHeldUsed[i] = 1;
+      slot_ = i;
+      return;
+    }
+}
+
+TemporaryFile::~TemporaryFile() {
+  if (slot_ >= 0) gHeldUsed[slot_] = 0;
+}
+
+void InstallInterruptCleanup() {
+  for (int signal : {SIGINT, SIGTERM, SIGHUP})
+    std::signal(signal, RemoveHeldAndEnd);
 }
 
 static int64_t NowMs() {

@@ -60,6 +60,21 @@ const std::map<std::string, Command> &Commands();
 std::string JsonString(const std::string &utf8);
 std::string Utf16ToUtf8Lossless(const std::u16string &text); // lone halves as U+FFFD
 
+// A file a command writes before it renames it into place: while it is held,
+// SIGINT, SIGTERM or SIGHUP removes it before the program ends by the signal
+// (main installs the handler). At most 8 are held at once.
+class TemporaryFile {
+public:
+  explicit TemporaryFile(const std::string &path);
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile &) = delete;
+  TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+private:
+  int slot_ = -1;
+};
+void InstallInterruptCleanup();
+
 // A progress line on standard error, shown when it is a terminal or when
 // forced; rewritten in place and cleared at the end.
 class Progress {

@@ -5,8 +5,8 @@
 // byte-order mark when it has one; UTF-16 output always gets one (unless
 // --no-bom). UTF-8 input loses its mark, UTF-8 output gets one with --bom.
 // UTF-8 is read by the library's own reader, which takes any bytes; it is
-// written with surrogate pairs joined into four-byte forms and lone halves as
-// three-byte forms of their own, which that reader gives back unit for unit.
+// written with surrogate pairs joined into four-byte forms, and a lone half
+// (which valid UTF-8 cannot hold) as U+FFFD, with a note on standard error.
 // Characters that an 8-bit code page lacks are written as '?', with a note on
 // standard error. The output file appears only when the conversion succeeds.
 #include <cerrno>
@@ -23,6 +23,8 @@
 #include <kestrel/kestrel.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
+#include "SearchInputs.h"
 
 namespace kestrel::cli {
 namespace {
@@ -43,7 +45,11 @@ std::string ReadAll(const std::string &path) {
     s << std::cin.rdbuf();
     return s.str();
   }
-  return ReadFileBytes(path);
+  try { // the input named as given, with the reason; a FIFO or device refused
+    return ReadFileLimited(path, INT64_MAX);
+  } catch (const InputFailed &failed) {
+    throw EFOpenError(DisplayName(path) + ": " + failed.why);
+  }
 }
 
 // UTF-16 input follows its byte-order mark; an odd byte at its end would be
@@ -63,18 +69,29 @@ bool IsLow(char16_t u) {
 
 std::string EncodeUtf8(std::u16string_view text) {
   std::string out;
-  size_t run = 0;
-  for (size_t i = 0; i + 1 < text.size(); ++i) {
-    if (!IsHigh(text[i]) || !IsLow(text[i + 1])) continue;
+  size_t run = 0, lone = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (!IsHigh(text[i]) && !IsLow(text[i])) continue;
     out += WideStringToUTF8(text.substr(run, i - run));
-    uint32_t c = 0x10000 + ((uint32_t(text[i]) - 0xD800) << 10) + (uint32_t(text[i + 1]) - 0xDC00);
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-    run = ++i + 1;
+    if (IsHigh(text[i]) && i + 1 < text.size() && IsLow(text[i + 1])) {
+      uint32_t c =
+          0x10000 + ((uint32_t(text[i]) - 0xD800) << 10) + (uint32_t(text[i + 1]) - 0xDC00);
+      out += static_cast<char>(0xF0 | (c >> 18));
+      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (c & 0x3F));
+      ++i;
+    } else {
+      out += "\xEF\xBF\xBD";
+      ++lone;
+    }
+    run = i + 1;
   }
   out += WideStringToUTF8(text.substr(run));
+  if (lone > 0)
+    std::cerr << "kestrel convert: " << lone << " lone surrogate half" << (lone == 1 ? "" : "s")
+              << " written as U+FFFD (UTF-8 has no form for " << (lone == 1 ? "it" : "them")
+              << ")\n";
   return out;
 }
 
@@ -128,6 +145,7 @@ void WriteAll(const std::string &path, const std::string &bytes) {
     return;
   }
   std::string temp = path + ".kestrel-convert.tmp";
+  TemporaryFile held(temp); // removed if the program is stopped before the rename
   {
     std::ofstream out(temp, std::ios::binary | std::ios::trunc);
     if (!out) throw EFCreateError("cannot create " + path + ": " + std::strerror(errno));

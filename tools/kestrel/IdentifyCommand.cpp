@@ -10,6 +10,7 @@
 #include <kestrel/kestrel.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
 
 namespace kestrel::cli {
 namespace {
@@ -124,8 +125,8 @@ Verdict Judge(const std::string &file, std::optional<tool_type> given) {
       } else {
         v.note = "a ZIP archive without the batch comment";
       }
-    } catch (const Exception &e) {
-      v.note = "not a readable ZIP archive: " + e.Message();
+    } catch (const EZipError &e) {
+      v.note = "not a readable ZIP archive: " + e.Reason;
     }
     return v;
   }
@@ -154,6 +155,25 @@ Verdict Judge(const std::string &file, std::optional<tool_type> given) {
   return v;
 }
 
+// A file that can't be read (missing, not a file, refused, or failing
+// while it is judged) is reported with the reason, and the others go on.
+std::optional<Verdict> JudgeOrReport(const std::string &file, std::optional<tool_type> given,
+                                     FileProblems &problems) {
+  const std::string problem = FileProblem(file);
+  if (!problem.empty()) {
+    problems.Failure(file, problem);
+    return std::nullopt;
+  }
+  try {
+    return Judge(file, given);
+  } catch (const std::bad_alloc &) {
+    problems.Failure(file, "out of memory");
+  } catch (const std::exception &e) {
+    problems.Failure(file, e.what());
+  }
+  return std::nullopt;
+}
+
 std::optional<tool_type> ToolFromName(const std::string &name) {
   if (name.empty()) return std::nullopt;
   for (size_t i = 0; i < kToolTypeCount; ++i) {
@@ -167,7 +187,7 @@ std::optional<tool_type> ToolFromName(const std::string &name) {
 
 std::string Describe(const std::string &file, const Verdict &v) {
   std::ostringstream out;
-  out << file << ": ";
+  out << DisplayName(file) << ": ";
   if (v.status == Status::unrecognised) {
     out << kStatusTexts[size_t(v.status)] << " (" << v.note;
     if (v.formatNumber) out << ", format " << *v.formatNumber;
@@ -209,7 +229,7 @@ std::string Json(const std::string &file, const Verdict &v) {
 
 // The files to judge: a folder stands for the files directly in it (archives
 // among them, as files), in name order.
-std::vector<std::string> FilesOf(const std::vector<std::string> &paths) {
+std::vector<std::string> FilesOf(const std::vector<std::string> &paths, FileProblems &problems) {
   std::vector<std::string> files;
   for (const std::string &path : paths) {
     if (!DirectoryExists(path)) {
@@ -217,6 +237,7 @@ std::vector<std::string> FilesOf(const std::vector<std::string> &paths) {
       continue;
     }
     TPeruseDir scanner("*", "*", "*", false, true, faAnyFile);
+    scanner.OnSkipped = problems.SkippedEvent(); // special files, an unreadable folder
     std::unique_ptr<TMySearchRecList> list(scanner.ListofAllFilesIn(path));
     std::vector<std::string> inFolder;
     for (int32_t i = 0; list && i < list->Count(); ++i)
@@ -237,26 +258,24 @@ int Run(const Args &args) {
   SetCurrentTool();
   const tool_type running = current_tool_var;
   const bool json = args.Has("json");
-  int rc = 0;
+  FileProblems problems("identify");
   if (json) std::cout << "[";
   bool first = true;
-  for (const std::string &file : FilesOf(args.Positional())) {
-    if (!FileExists(file)) {
-      std::cerr << "kestrel identify: " << file << ": no such file\n";
-      rc = 1;
-      continue;
-    }
-    const Verdict v = Judge(file, given);
+  for (const std::string &file : FilesOf(args.Positional(), problems)) {
+    std::optional<Verdict> v = JudgeOrReport(file, given, problems);
     current_tool_var = running;
+    if (!v) continue;
     if (json) {
-      std::cout << (first ? "\n  " : ",\n  ") << Json(file, v);
+      std::cout << (first ? "\n  " : ",\n  ") << Json(file, *v);
       first = false;
     } else {
-      std::cout << Describe(file, v) << "\n";
+      std::cout << Describe(file, *v) << "\n";
     }
   }
   if (json) std::cout << "\n]\n";
-  return rc;
+  std::cout.flush();
+  if (problems.Failures() > 0) std::cerr << "kestrel identify: " << problems.Summary() << "\n";
+  return problems.Failures() > 0 ? 2 : 0;
 }
 
 CommandRegistration reg({"identify",
@@ -265,7 +284,9 @@ CommandRegistration reg({"identify",
                          "  Reads each file's head: its list kind, owning tool, default\n"
                          "  extension, and whether it is a current, older 32-bit, oldest-format\n"
                          "  file or a batch archive. Without --tool a file is judged as the tool\n"
-                         "  that owns its kind. A folder stands for the files directly in it.",
+                         "  that owns its kind. A folder stands for the files directly in it.\n"
+                         "  A file that can't be read is reported with the reason and the\n"
+                         "  others are judged; the exit status is then 2.",
                          {"tool"},
                          Run});
 

@@ -10,6 +10,7 @@
 #include <kestrel/kestrel.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
 
 namespace kestrel::cli {
 namespace {
@@ -41,15 +42,21 @@ public:
     scanner_->OnFoundDir = TFoundDirEvent::Bind<&Scan::FoundDir>(this);
     scanner_->OnZipReading = TZipReadingEvent::Bind<&Scan::ZipReading>(this);
     scanner_->OnZipStartReading = TZipStartReadingEvent::Bind<&Scan::ZipStart>(this);
+    scanner_->OnSkipped = problems_.SkippedEvent();
+    scanner_->fFollowLinks = args.Has("follow-links");
   }
 
+  // 0, or 2 when the folder or anything in it could not be read.
   int Run(const std::string &folder) {
-    if (!DirectoryExists(folder)) throw Exception("no such folder: " + folder);
+    if (!DirectoryExists(folder)) {
+      problems_.Failure(folder, FileExists(folder) ? "not a folder" : "no such folder");
+      return 2;
+    }
     ListFolder(folder);
     if (recursive_) scanner_->ProcessAllSubDirectories(folder);
     progress_.Done();
     Print(folder);
-    return failed_ ? 1 : 0;
+    return problems_.Failures() > 0 ? 2 : 0;
   }
 
 private:
@@ -57,8 +64,7 @@ private:
     progress_.Update("scanning " + folder + " (" + std::to_string(entries_.size()) + " found)");
     std::unique_ptr<TMySearchRecList> list(scanner_->ListofAllFilesIn(folder));
     if (!list) {
-      std::cerr << "kestrel scan: the scan of " << folder << " failed\n";
-      failed_ = true;
+      problems_.Failure(folder, "the scan of the folder failed");
       return;
     }
     const std::string dir = IncludeTrailingPathDelimiter(folder);
@@ -81,28 +87,30 @@ private:
       for (size_t i = 0; i < entries_.size(); ++i) {
         const Entry &e = entries_[i];
         std::cout << (i ? ",\n  " : "\n  ") << "{\"name\":" << JsonString(e.fullName)
-                  << ",\"size\":" << e.rec.Size << ",\"date\":\"" << DateText(e.rec.Date)
+                  << ",\"size\":" << e.rec.FullSize << ",\"date\":\"" << DateText(e.rec.Date)
                   << "\",\"attr\":" << static_cast<uint32_t>(e.rec.Attr)
                   << ",\"zip_number\":" << e.rec.ZipNumber << "}";
       }
       std::cout << "\n],\"files\":" << entries_.size() << ",\"zips_read\":" << scanner_->fZipsRead
                 << ",\"zip_members_found\":" << scanner_->fZipMembersFound
-                << ",\"dirs_found\":" << scanner_->fDirsFound << "}\n";
+                << ",\"dirs_found\":" << scanner_->fDirsFound
+                << ",\"problems\":" << problems_.Json() << "}\n";
       return;
     }
     for (const Entry &e : entries_) {
       char number[16] = "";
       if (e.rec.ZipNumber > 0) std::snprintf(number, sizeof number, "#%d", e.rec.ZipNumber);
-      std::printf("%10d  %s  %6s  %s\n", e.rec.Size, DateText(e.rec.Date).c_str(), number,
-                  e.fullName.c_str());
+      std::printf("%10lld  %s  %6s  %s\n", static_cast<long long>(e.rec.FullSize),
+                  DateText(e.rec.Date).c_str(), number, DisplayName(e.fullName).c_str());
     }
-    std::printf("%zu entries (%d archive members, %d archives read, %d sub-folders)\n",
+    const std::string failed = problems_.Summary();
+    std::printf("%zu entries (%d archive members, %d archives read, %d sub-folders)%s%s\n",
                 entries_.size(), scanner_->fZipMembersFound, scanner_->fZipsRead,
-                scanner_->fDirsFound);
+                scanner_->fDirsFound, failed.empty() ? "" : "; ", failed.c_str());
   }
 
   bool json_, recursive_;
-  bool failed_ = false;
+  FileProblems problems_{"scan"};
   std::unique_ptr<TPeruseDir> scanner_;
   std::vector<Entry> entries_;
   std::string currentZip_;
@@ -111,7 +119,7 @@ private:
 
 int Run(const Args &args) {
   const std::vector<std::string> known = {"files",         "dirs",      "members", "no-zips",
-                                          "zips-as-files", "recursive", "json"};
+                                          "zips-as-files", "recursive", "json",    "follow-links"};
   args.RefuseSingleDash();
   if (!args.Unknown(known).empty())
     throw UsageError{"unknown option " + args.Unknown(known).front()};
@@ -124,11 +132,15 @@ CommandRegistration
     reg({"scan",
          "list the files of a folder and the members of its ZIP archives",
          "scan FOLDER [--files MASKS] [--dirs MASKS] [--members MASKS] [--no-zips]\n"
-         "            [--zips-as-files] [--recursive] [--json]\n"
+         "            [--zips-as-files] [--recursive] [--follow-links] [--json]\n"
          "  MASKS: up to 10 wildcard masks separated by \";\" (default \"*\").\n"
          "  --files picks plain files, --members the members of ZIP archives,\n"
          "  --dirs the sub-folders walked with --recursive (a folder the mask\n"
-         "  refuses is not entered). Each line: size, date, member number, name.",
+         "  refuses is not entered). Each line: size, date, member number, name.\n"
+         "  Links to folders are not entered unless --follow-links is given, and\n"
+         "  no folder is walked twice. FIFOs, sockets, devices and broken links are\n"
+         "  passed by with a note; folders and archives that can't be read are\n"
+         "  reported with the reason, the scan goes on, and the exit status is 2.",
          {"files", "dirs", "members"},
          Run});
 

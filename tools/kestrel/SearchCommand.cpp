@@ -19,7 +19,9 @@
 #include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
 #include "SearchInputs.h"
+#include "SearchLimits.h"
 #include "SearchMatchers.h"
 #include "SearchPrinters.h"
 
@@ -27,9 +29,9 @@ namespace kestrel::cli {
 namespace {
 
 const std::vector<std::string> kOptions = {
-    "case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
-    "pattern-file",   "encoding",     "json",           "files",      "recursive",
-    "regex",          "single-pass",  "report"};
+    "case-sensitive", "ignore-marks", "compress-space", "whole-word", "width", "pattern-file",
+    "encoding",       "json",         "files",          "recursive",  "regex", "single-pass",
+    "report",         "follow-links", "max-file-size",  "max-count"};
 
 // ---- Options
 
@@ -39,6 +41,8 @@ struct SearchOptions {
   bool encodingGiven = false;
   int width = 30;
   bool json = false, report = false;
+  uint64_t maxCount = UINT64_MAX; // matches per text
+  int64_t maxFileSize = kDefaultMaxFileSize;
 };
 
 SearchOptions ReadOptions(const Args &args) {
@@ -68,6 +72,11 @@ SearchOptions ReadOptions(const Args &args) {
   o.width = static_cast<int>(width);
   o.json = args.Has("json");
   o.report = args.Has("report");
+  const int64_t maxCount = args.Number("max-count", -1);
+  if (args.Has("max-count") && maxCount < 1) throw UsageError{"--max-count must be 1 or more"};
+  if (maxCount > 0) o.maxCount = static_cast<uint64_t>(maxCount);
+  o.maxFileSize = MaxFileSize(args.Value("max-file-size"));
+  m.maxCount = o.maxCount;
   return o;
 }
 
@@ -79,6 +88,17 @@ std::u16string StripOneLineBreak(std::u16string s) {
   return s;
 }
 
+// The pattern file's bytes; one that can't be read ends the command.
+std::string ReadPatternFile(const std::string &name) {
+  try {
+    return ReadFileLimited(name, kDefaultMaxFileSize);
+  } catch (const InputFailed &failed) {
+    throw Exception(DisplayName(name) + ": " + failed.why);
+  } catch (const InputSkipped &skipped) {
+    throw Exception(DisplayName(name) + ": " + skipped.why);
+  }
+}
+
 // The pattern and the paths: from --pattern-file (read like the texts, one
 // final line break dropped) or from the first argument.
 std::u16string TakePattern(const Args &args, const SearchOptions &o,
@@ -86,7 +106,8 @@ std::u16string TakePattern(const Args &args, const SearchOptions &o,
   paths = args.Positional();
   std::u16string pattern;
   if (args.Has("pattern-file")) {
-    pattern = StripOneLineBreak(ReadTextFile(args.Value("pattern-file"), o.given).Text);
+    pattern =
+        StripOneLineBreak(DecodeText(ReadPatternFile(args.Value("pattern-file")), o.given).Text);
   } else {
     if (paths.empty()) throw UsageError{"no pattern given"};
     pattern = UTF8ToWideString(paths.front());
@@ -114,22 +135,42 @@ std::string EvidenceText(TEncodingEvidence e, bool encodingGiven) {
 }
 
 // Reads one input, says how when it had to assume, searches it, prints.
-FileResult SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer) {
+FileResult SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer,
+                     FileProblems &problems) {
   const TDecodedText decoded = DecodeText(in.load(), o.given);
   FileResult file{in.name, decoded.Encoding.Name(), EvidenceText(decoded.Evidence, o.encodingGiven),
                   0};
   if (decoded.Evidence == TEncodingEvidence::Given && !o.encodingGiven && !decoded.Text.empty())
-    std::cerr << "kestrel search: " << in.name << ": neither UTF-8 nor UTF-16, read as "
-              << file.encoding << " (--encoding names another)\n";
+    std::cerr << "kestrel search: " << DisplayName(in.name)
+              << ": neither UTF-8 nor UTF-16, read as " << file.encoding
+              << " (--encoding names another)\n";
   const std::vector<MatchSpan> found = matcher.FindAll(decoded.Text);
-  if (!found.empty()) {
-    const std::vector<uint32_t> starts = LineStarts(decoded.Text);
-    for (const MatchSpan &m : found)
-      printer.Print(file, Place(decoded.Text, starts, m.start, m.stop), decoded.Text);
-  }
+  if (matcher.EmptyCapReached())
+    problems.Note(in.name, "more than " + std::to_string(kMaxEmptyMatches) +
+                               " empty matches; the rest of the text was not searched");
+  Placer placer(decoded.Text);
+  for (const MatchSpan &m : found)
+    printer.Print(file, placer.Place(m.start, m.stop), decoded.Text);
   file.matches = found.size();
   printer.FileDone(file);
   return file;
+}
+
+// SearchOne, with a text that can't be had reported and counted as no match.
+uint64_t SearchOrReport(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer,
+                        FileProblems &problems) {
+  try {
+    return SearchOne(in, matcher, o, printer, problems).matches;
+  } catch (const InputSkipped &skipped) {
+    problems.Note(in.name, skipped.why);
+  } catch (const InputFailed &failed) {
+    problems.Failure(in.name, failed.why);
+  } catch (const std::bad_alloc &) {
+    problems.Failure(in.name, "out of memory");
+  } catch (const Exception &e) {
+    problems.Failure(in.name, e.Message());
+  }
+  return 0;
 }
 
 // ---- The command
@@ -139,7 +180,10 @@ int RunSearch(const Args &args) {
   std::vector<std::string> paths;
   const std::u16string pattern = TakePattern(args, o, paths);
   std::unique_ptr<Matcher> matcher = Matcher::Make(pattern, o.match);
-  SearchInputs sources(args.Value("files", "*.txt"), args.Has("recursive"));
+  FileProblems problems("search");
+  SearchInputs sources({args.Value("files", "*.txt"), args.Has("recursive"),
+                        args.Has("follow-links"), o.maxFileSize},
+                       problems);
   std::vector<Input> inputs;
   for (const std::string &path : paths)
     sources.Add(path, inputs);
@@ -157,14 +201,14 @@ int RunSearch(const Args &args) {
     if (showProgress)
       progress.Update("searching " + std::to_string(++done) + "/" + std::to_string(inputs.size()) +
                       ": " + in.name);
-    const FileResult r = SearchOne(in, *matcher, o, *printer);
-    matches += r.matches;
-    withMatches += r.matches > 0;
+    const uint64_t n = SearchOrReport(in, *matcher, o, *printer, problems);
+    matches += n;
+    withMatches += n > 0;
   }
   progress.Done();
-  printer->Finish(matches, inputs.size(), withMatches);
+  printer->Finish(matches, inputs.size(), withMatches, problems.Summary());
   std::fflush(stdout);
-  return matches > 0 ? 0 : 1;
+  return problems.Failures() > 0 ? 2 : matches > 0 ? 0 : 1;
 }
 
 const CommandRegistration kSearch{Command{
@@ -177,7 +221,10 @@ const CommandRegistration kSearch{Command{
     "  valid UTF-8, as UTF-16 when its bytes show it, else in the --encoding given\n"
     "  (windows-1252 by default, with a note). Each match shows file, line, column\n"
     "  (in characters, from 1), left context, the match and right context, aligned on\n"
-    "  the match. Exit status 0 when something was found, 1 when nothing, 2 for bad use.\n"
+    "  the match. Exit status 0 when something was found, 1 when nothing, 2 for bad use\n"
+    "  or when a text could not be read: each such text is reported with the reason,\n"
+    "  the others are searched, and the summary counts them. FIFOs, sockets, devices\n"
+    "  and links to folders met in folders are passed by with a note.\n"
     "  --regex              the pattern is a regular expression: every leftmost-longest\n"
     "                       match, as grep -E -o; [[:alpha:]], \\d \\s \\w, \\p{Lu} and the\n"
     "                       other familiar forms are understood; \\b, look-around,\n"
@@ -199,12 +246,16 @@ const CommandRegistration kSearch{Command{
     "  --files MASKS        in folders and archives, the files to search: up to 10\n"
     "                       masks separated by \";\" (default \"*.txt\")\n"
     "  --recursive          search the sub-folders of a folder too\n"
+    "  --follow-links       enter links to folders (each folder is searched once)\n"
+    "  --max-file-size SIZE texts larger than SIZE bytes (K, M, G: powers of 1024)\n"
+    "                       are passed by with a note (default 1G)\n"
+    "  --max-count N        at most N matches per text\n"
     "  --report             after the matches, a line per file: matches and encoding\n"
     "  --json               a JSON array: file, start and stop (UTF-16 unit offsets\n"
     "                       into the decoded text), line, column, the match and the\n"
     "                       file's encoding; with --report an object {\"matches\": [...],\n"
     "                       \"files\": [...]}",
-    {"width", "pattern-file", "encoding", "files"},
+    {"width", "pattern-file", "encoding", "files", "max-file-size", "max-count"},
     RunSearch}};
 
 } // namespace

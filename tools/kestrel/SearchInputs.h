@@ -1,14 +1,28 @@
-// The texts that kestrel search reads from folders and ZIP archives: plain
-// files and archive members found by the folder scanner, members brought out
-// through the library's temporary-file route.
+// The texts that kestrel search reads: plain files and ZIP archive members
+// found by the folder scanner in folders and archives, and files named
+// outright. Every text is read whole into memory, up to a size limit; an
+// archive is read once for all its members, and nothing goes to disk.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "FileProblems.h"
+
 namespace kestrel::cli {
+
+// Thrown by Input::load for a text passed by on purpose (larger than the
+// limit): a note, not a failure.
+struct InputSkipped {
+  std::string why;
+};
+// Thrown by Input::load for a text that could not be read: the reason alone.
+struct InputFailed {
+  std::string why;
+};
 
 // One text to search: a name to show and a way to get its bytes.
 struct Input {
@@ -19,21 +33,33 @@ struct Input {
 class MemberReader;
 
 // Turns folder and archive paths into inputs; "-" is standard input; other
-// paths stay plain files.
+// paths stay plain files. What the scanner passes by or can't read goes to
+// problems.
 class SearchInputs {
 public:
-  // masks: the file masks, also used for archive members.
-  SearchInputs(std::string masks, bool recursive);
+  struct Options {
+    std::string masks; // the file masks, also used for archive members
+    bool recursive = false;
+    bool followLinks = false;
+    int64_t maxFileSize = kDefaultMaxFileSize;
+  };
+  SearchInputs(Options options, FileProblems &problems);
   ~SearchInputs();
   void Add(const std::string &path, std::vector<Input> &inputs);
 
 private:
+  struct Collector;
   void AddFolder(const std::string &folder, std::vector<Input> &inputs);
   void AddArchive(const std::string &archive, std::vector<Input> &inputs);
+  void AddFound(const Collector &collector, std::vector<Input> &inputs);
   void NoteUnmatchedFolder(const std::string &folder) const;
-  std::string masks_;
-  bool recursive_;
+  Options options_;
+  FileProblems &problems_;
   std::shared_ptr<MemberReader> members_;
 };
+
+// The bytes of a plain file, read whole if it is no larger than limit;
+// InputSkipped past it, InputFailed with the system's reason.
+std::string ReadFileLimited(const std::string &path, int64_t limit);
 
 } // namespace kestrel::cli

@@ -7,6 +7,8 @@
 #include <kestrel/unicode/CodePages.h>
 
 #include "Cli.h"
+#include "FileProblems.h"
+#include "SearchLimits.h"
 
 namespace kestrel::cli {
 namespace {
@@ -21,7 +23,7 @@ uint32_t Units(const std::u16string &text) {
 class LiteralMatcher : public Matcher {
 public:
   LiteralMatcher(const std::u16string &pattern, const MatchOptions &o)
-      : Matcher(o.ignoreMarks), wholeWord_(o.wholeWord) {
+      : Matcher(o), wholeWord_(o.wholeWord) {
     TSearchFlags flags;
     if (o.caseSensitive) flags.Include(TSearchFlag::sfCaseSensitive);
     if (o.compressSpace) flags.Include(TSearchFlag::sfSpaceCompress);
@@ -29,22 +31,20 @@ public:
   }
 
 protected:
+  // Match after match, as the engine's FindAll goes (a match is never
+  // empty), so that no more than maxCount are kept.
   std::vector<MatchSpan> Find(const std::u16string &text) override {
     std::vector<MatchSpan> out;
     const uint32_t n = Units(text);
-    if (!wholeWord_) {
-      engine_.FindAll(text.data(), n);
-      for (uint32_t i = 0; i < engine_.GetCount(); ++i) {
-        int32_t s = 0, e = 0;
-        engine_.GetResult(i, s, e);
-        out.push_back({uint32_t(s), uint32_t(e)});
-      }
-      return out;
-    }
     for (uint32_t at = 0, s = 0, e = 0;
-         at < n && engine_.FindFirst(text.data() + at, n - at, s, e);) {
+         at < n && out.size() < maxCount_ && engine_.FindFirst(text.data() + at, n - at, s, e);) {
       s += at;
       e += at;
+      if (!wholeWord_) {
+        out.push_back({s, e});
+        at = e;
+        continue;
+      }
       if (IsWholeWord(text.data(), n, s, e)) {
         out.push_back({s, e});
         at = e > s ? e : s + 1;
@@ -64,7 +64,7 @@ private:
 // Every leftmost-longest match; word bounds are part of the match.
 class LongestMatcher : public Matcher {
 public:
-  LongestMatcher(const std::u16string &pattern, const MatchOptions &o) : Matcher(o.ignoreMarks) {
+  LongestMatcher(const std::u16string &pattern, const MatchOptions &o) : Matcher(o) {
     TSearchFlags flags;
     if (o.caseSensitive) flags.Include(TSearchFlag::sfCaseSensitive);
     if (o.wholeWord) {
@@ -72,6 +72,7 @@ public:
       flags.Include(TSearchFlag::sfRightBounded);
     }
     engine_.FindPrepare(pattern, flags);
+    engine_.SetMatchLimits(maxCount_, kMaxEmptyMatches);
   }
 
 protected:
@@ -80,6 +81,7 @@ protected:
     engine_.FindAll(text.data(), Units(text));
     for (const TURELongestMatch::TMatch &m : engine_.Matches())
       if (m.Start < m.Stop) out.push_back({m.Start, m.Stop});
+    emptyCapReached_ = engine_.LimitReached() && out.size() < maxCount_;
     return out;
   }
 
@@ -91,22 +93,21 @@ private:
 class SinglePassMatcher : public Matcher {
 public:
   SinglePassMatcher(const std::u16string &pattern, const MatchOptions &o)
-      : Matcher(o.ignoreMarks), wholeWord_(o.wholeWord) {
+      : Matcher(o), wholeWord_(o.wholeWord) {
     engine_.FindPrepare(pattern, o.caseSensitive ? TSearchFlags{TSearchFlag::sfCaseSensitive}
                                                  : TSearchFlags{});
   }
 
 protected:
+  // The engine's FindAll steps, match after match, bounded.
   std::vector<MatchSpan> Find(const std::u16string &text) override {
     std::vector<MatchSpan> out;
     const uint32_t n = Units(text);
-    engine_.FindAll(text.data(), n);
-    for (uint32_t i = 0; i < engine_.GetCount(); ++i) {
-      int32_t s = 0, e = 0;
-      engine_.GetResult(i, s, e);
-      if (s < e && (!wholeWord_ || IsWholeWord(text.data(), n, uint32_t(s), uint32_t(e))))
-        out.push_back({uint32_t(s), uint32_t(e)});
-    }
+    const BoundedSearch run = FindBounded(engine_, text, UINT64_MAX, [&](uint32_t s, uint32_t e) {
+      if (s < e && (!wholeWord_ || IsWholeWord(text.data(), n, s, e))) out.push_back({s, e});
+      return out.size() < maxCount_;
+    });
+    emptyCapReached_ = run.emptyCapReached;
     return out;
   }
 
@@ -115,13 +116,24 @@ private:
   bool wholeWord_;
 };
 
+// The pattern for a message: quoted, and cut after 60 characters (a pattern
+// from a file may be any length), on one line.
+std::string QuotedPattern(const std::u16string &pattern) {
+  constexpr size_t kShown = 60;
+  if (pattern.size() <= kShown) return "'" + DisplayName(Utf16ToUtf8Lossless(pattern)) + "'";
+  size_t cut = kShown;
+  if (IsLowSurrogateUnit(pattern[cut])) --cut;
+  return "'" + DisplayName(Utf16ToUtf8Lossless(pattern.substr(0, cut))) + "...' (" +
+         std::to_string(pattern.size()) + " units)";
+}
+
 // The engine's message for a bad pattern is two lines, the first naming
 // the pattern it saw (a translation): one line naming the user's pattern.
 [[noreturn]] void RaiseBadPattern(const Exception &e, const std::u16string &pattern) {
   const std::string &message = e.Message();
   const size_t cut = message.find('\r');
   const std::string fault = cut == std::string::npos ? message : message.substr(cut + 1);
-  throw Exception("Error in regular expression '" + WideStringToUTF8(pattern) + "': " + fault);
+  throw Exception("Error in regular expression " + QuotedPattern(pattern) + ": " + fault);
 }
 
 } // namespace
@@ -136,12 +148,17 @@ std::unique_ptr<Matcher> Matcher::Make(const std::u16string &pattern, const Matc
     return std::make_unique<LongestMatcher>(translated, o);
   } catch (const ERegexSyntax &) {
     throw;
+  } catch (const EConvertError &) {
+    // The engine reads a bound with StrToInt, which refuses one past 2^31.
+    throw Exception("Error in regular expression " + QuotedPattern(pattern) +
+                    ": a repetition bound is too large");
   } catch (const Exception &e) {
     RaiseBadPattern(e, pattern);
   }
 }
 
 std::vector<MatchSpan> Matcher::FindAll(const std::u16string &text) {
+  emptyCapReached_ = false;
   if (!ignoreMarks_) return Find(text);
   const TMarkFreeText bare(text);
   std::vector<MatchSpan> out = Find(bare.Text());

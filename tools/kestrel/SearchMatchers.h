@@ -21,6 +21,7 @@ struct MatchOptions {
   bool ignoreMarks = false;
   bool compressSpace = false;
   bool wholeWord = false;
+  uint64_t maxCount = UINT64_MAX; // matches kept per text
 };
 
 class Matcher {
@@ -28,14 +29,20 @@ public:
   // Compiles the pattern; raises kestrel::Exception for a bad one (one line).
   static std::unique_ptr<Matcher> Make(const std::u16string &pattern, const MatchOptions &options);
   virtual ~Matcher() = default;
-  // Every match in the text, in order, none empty.
+  // Every match in the text, in order, none empty; at most maxCount, and
+  // none after kMaxEmptyMatches empty ones (a pattern such as q* matches
+  // the empty text at every unit), which EmptyCapReached then tells.
   std::vector<MatchSpan> FindAll(const std::u16string &text);
+  bool EmptyCapReached() const { return emptyCapReached_; }
 
 protected:
-  explicit Matcher(bool ignoreMarks) : ignoreMarks_(ignoreMarks) {}
+  explicit Matcher(const MatchOptions &o) : maxCount_(o.maxCount), ignoreMarks_(o.ignoreMarks) {}
   // The matches in the text the engine sees (without marks when they are
   // ignored).
   virtual std::vector<MatchSpan> Find(const std::u16string &text) = 0;
+
+  bool emptyCapReached_ = false; // set by Find
+  const uint64_t maxCount_;
 
 private:
   bool ignoreMarks_;

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Cli.h"
+#include "FileProblems.h"
 
 namespace kestrel::cli {
 namespace {
@@ -102,21 +103,23 @@ public:
     Piece left = LeftContext(text, h.start, width_);
     Piece right = RightContext(text, h.stop, width_);
     std::string where = std::to_string(h.line) + ":" + std::to_string(h.column);
-    std::printf("%-*s %9s  %*s%s  %s  %s\n", static_cast<int>(nameWidth_), file.name.c_str(),
-                where.c_str(), width_ - left.columns, "", Utf8(left.text).c_str(),
-                Utf8(Flatten(text.substr(h.start, h.stop - h.start))).c_str(),
-                Utf8(right.text).c_str());
+    std::printf(
+        "%-*s %9s  %*s%s  %s  %s\n", static_cast<int>(nameWidth_), DisplayName(file.name).c_str(),
+        where.c_str(), width_ - left.columns, "", Utf8(left.text).c_str(),
+        Utf8(Flatten(text.substr(h.start, h.stop - h.start))).c_str(), Utf8(right.text).c_str());
   }
   void FileDone(const FileResult &file) override {
     if (report_) files_.push_back(file);
   }
-  void Finish(uint64_t matches, size_t files, size_t withMatches) override {
+  void Finish(uint64_t matches, size_t files, size_t withMatches,
+              const std::string &failed) override {
     for (const FileResult &f : files_)
-      std::printf("%s: %llu match%s, %s (%s)\n", f.name.c_str(),
+      std::printf("%s: %llu match%s, %s (%s)\n", DisplayName(f.name).c_str(),
                   static_cast<unsigned long long>(f.matches), f.matches == 1 ? "" : "es",
                   f.encoding.c_str(), f.evidence.c_str());
-    std::printf("%llu match%s in %zu of %zu file%s\n", static_cast<unsigned long long>(matches),
-                matches == 1 ? "" : "es", withMatches, files, files == 1 ? "" : "s");
+    std::printf("%llu match%s in %zu of %zu file%s%s%s\n", static_cast<unsigned long long>(matches),
+                matches == 1 ? "" : "es", withMatches, files, files == 1 ? "" : "s",
+                failed.empty() ? "" : "; ", failed.c_str());
   }
 
 private:
@@ -144,7 +147,8 @@ public:
   void FileDone(const FileResult &file) override {
     if (report_) files_.push_back(file);
   }
-  void Finish(uint64_t, size_t, size_t) override {
+  void Finish(uint64_t, size_t, size_t, const std::string &failed) override {
+    if (!failed.empty()) std::fprintf(stderr, "kestrel search: %s\n", failed.c_str());
     std::printf("%s]", first_ ? "" : "\n");
     if (!report_) {
       std::printf("\n");
@@ -177,12 +181,20 @@ std::vector<uint32_t> LineStarts(const std::u16string &text) {
   return starts;
 }
 
-Hit Place(const std::u16string &text, const std::vector<uint32_t> &lineStarts, uint32_t start,
-          uint32_t stop) {
-  const auto line =
-      std::upper_bound(lineStarts.begin(), lineStarts.end(), start) - lineStarts.begin();
-  const uint32_t column = Characters(text, lineStarts[size_t(line) - 1], start) + 1;
-  return Hit{start, stop, static_cast<uint32_t>(line), column};
+Hit Placer::Place(uint32_t start, uint32_t stop) {
+  if (starts_.empty()) starts_ = LineStarts(text_);
+  const auto line = static_cast<uint32_t>(std::upper_bound(starts_.begin(), starts_.end(), start) -
+                                          starts_.begin());
+  // Counted on from the last hit on the same line, so that many hits on one
+  // long line cost no more than the line.
+  if (line != line_ || start < at_) {
+    line_ = line;
+    at_ = starts_[line - 1];
+    column_ = 1;
+  }
+  column_ += Characters(text_, at_, start);
+  at_ = start;
+  return Hit{start, stop, line, column_};
 }
 
 std::unique_ptr<Printer> MakeConcordancePrinter(int width, size_t nameWidth, bool report) {

@@ -25,9 +25,18 @@ struct FileResult {
 
 // Offsets at which lines start; CR LF is one break.
 std::vector<uint32_t> LineStarts(const std::u16string &text);
-// The hit at [start, stop), placed by line and column.
-Hit Place(const std::u16string &text, const std::vector<uint32_t> &lineStarts, uint32_t start,
-          uint32_t stop);
+
+// Places the hits of one text, in order, by line and column.
+class Placer {
+public:
+  explicit Placer(const std::u16string &text) : text_(text) {}
+  Hit Place(uint32_t start, uint32_t stop);
+
+private:
+  const std::u16string &text_;
+  std::vector<uint32_t> starts_; // made at the first hit
+  uint32_t line_ = 0, at_ = 0, column_ = 0;
+};
 
 class Printer {
 public:
@@ -35,7 +44,10 @@ public:
   virtual void Print(const FileResult &file, const Hit &hit, const std::u16string &text) = 0;
   // After each file, with its count.
   virtual void FileDone(const FileResult &file) = 0;
-  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches) = 0;
+  // At the end; failed: what could not be read ("2 files could not be
+  // read (...)"), or empty.
+  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches,
+                      const std::string &failed) = 0;
 };
 
 // width: columns of context on each side; nameWidth: of the file column.

@@ -28,6 +28,7 @@ int main(int argc, char **argv) {
   }
   const cli::Command &cmd = it->second;
   std::vector<std::string> rest(argv + 2, argv + argc);
+  cli::InstallInterruptCleanup();
   Initialize();
   int rc = 0;
   try {

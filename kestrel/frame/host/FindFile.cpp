@@ -30,11 +30,21 @@ bool Glob(std::u32string_view name, std::u32string_view mask) {
   return WildcardPattern::StarsAndQuestionMarks(mask).Matches(name);
 }
 
-int32_t AttributesOf(const std::string &name, const struct stat &st) {
+TFileKind KindOf(const struct stat &st) {
+  if (S_ISREG(st.st_mode)) return TFileKind::Regular;
+  if (S_ISDIR(st.st_mode)) return TFileKind::Folder;
+  if (S_ISFIFO(st.st_mode)) return TFileKind::Fifo;
+  if (S_ISSOCK(st.st_mode)) return TFileKind::Socket;
+  if (S_ISCHR(st.st_mode)) return TFileKind::CharDevice;
+  if (S_ISBLK(st.st_mode)) return TFileKind::BlockDevice;
+  return TFileKind::Other;
+}
+
+int32_t AttributesOf(const std::string &name, const struct stat &st, TFileKind kind) {
   int32_t attr = 0;
-  if (S_ISDIR(st.st_mode))
+  if (kind == TFileKind::Folder)
     attr |= faDirectory;
-  else if (S_ISREG(st.st_mode))
+  else if (kind == TFileKind::Regular)
     attr |= faArchive;
   else
     attr |= faSysFile;
@@ -43,13 +53,34 @@ int32_t AttributesOf(const std::string &name, const struct stat &st) {
   return attr;
 }
 
-TSearchRec RecordOf(const std::string &name, const struct stat &st, int32_t attr) {
-  TSearchRec r;
+// One folder entry, looked at without following a link and then, for a
+// link, through it. False when the entry has gone meanwhile.
+bool LookAt(int dirfd, const std::string &name, TSearchRec &r) {
+  struct stat st;
+  if (::fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  const bool link = S_ISLNK(st.st_mode);
+  TFileKind kind = TFileKind::BrokenLink;
+  if (!link || ::fstatat(dirfd, name.c_str(), &st, 0) == 0) kind = KindOf(st);
   r.Time = UnixTimeToFileDate(st.st_mtime);
-  r.Size = S_ISDIR(st.st_mode) ? 0 : static_cast<int64_t>(st.st_size);
-  r.Attr = attr;
+  r.Size = kind == TFileKind::Regular ? static_cast<int64_t>(st.st_size) : 0;
+  r.Attr = AttributesOf(name, st, kind) | (link ? faSymLink : 0);
   r.Name = name;
-  return r;
+  r.Kind = kind;
+  r.Identity = {static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino)};
+  return true;
+}
+
+// The host's code for a folder that can't be opened; errno keeps the reason.
+int32_t FolderErrorCode(int error) {
+  switch (error) {
+  case EACCES:
+  case EPERM:
+    return ERROR_ACCESS_DENIED;
+  case ENAMETOOLONG:
+    return ERROR_FILENAME_EXCED_RANGE;
+  default:
+    return ERROR_PATH_NOT_FOUND;
+  }
 }
 
 void Deliver(TSearchRec &F) {
@@ -59,6 +90,8 @@ void Deliver(TSearchRec &F) {
   F.Size = m.Size;
   F.Attr = m.Attr;
   F.Name = m.Name;
+  F.Kind = m.Kind;
+  F.Identity = m.Identity;
 }
 
 } // namespace
@@ -82,25 +115,28 @@ int32_t FindFirst(const std::string &path, int32_t attr, TSearchRec &F) {
   std::string mask = ExtractFileName(path);
   std::string native = folder.empty() ? std::string(".") : NativePath(folder);
   int dirfd = ::open(native.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (dirfd < 0) return ERROR_PATH_NOT_FOUND;
+  if (dirfd < 0) return FolderErrorCode(errno);
   DIR *dir = ::fdopendir(dirfd);
   if (!dir) {
+    int error = errno;
     ::close(dirfd);
-    return ERROR_PATH_NOT_FOUND;
+    errno = error;
+    return FolderErrorCode(error);
   }
   F.ExcludeAttr = ~attr & (faHidden | faSysFile | faDirectory);
   auto state = std::make_shared<TSearchState>();
   while (dirent *e = ::readdir(dir)) {
     std::string name = e->d_name;
     if (!MatchesFileMask(name, mask)) continue;
-    struct stat st;
-    if (::fstatat(dirfd, e->d_name, &st, 0) != 0) continue; // gone meanwhile, or a broken link
-    int32_t a = AttributesOf(name, st);
-    if (a & F.ExcludeAttr) continue;
-    state->matches.push_back(RecordOf(name, st, a));
+    TSearchRec r;
+    if (!LookAt(dirfd, name, r) || (r.Attr & F.ExcludeAttr)) continue;
+    state->matches.push_back(std::move(r));
   }
   ::closedir(dir);
-  if (state->matches.empty()) return ERROR_FILE_NOT_FOUND;
+  if (state->matches.empty()) {
+    errno = ENOENT;
+    return ERROR_FILE_NOT_FOUND;
+  }
   std::sort(state->matches.begin(), state->matches.end(),
             [](const TSearchRec &a, const TSearchRec &b) { return a.Name < b.Name; });
   F.FindHandle = std::move(state);
@@ -123,7 +159,46 @@ int32_t FileGetAttr(const std::string &fileName) {
   struct stat st;
   std::string native = NativePath(ExcludeTrailingPathDelimiter(fileName));
   if (native.empty() || ::stat(native.c_str(), &st) != 0) return -1;
-  return AttributesOf(ExtractFileName(native), st);
+  return AttributesOf(ExtractFileName(native), st, KindOf(st));
+}
+
+bool FileKindOf(const std::string &fileName, TFileKind &kind, TFileIdentity &identity) {
+  struct stat st;
+  std::string native = NativePath(fileName);
+  if (native.empty()) {
+    errno = ENOENT;
+    return false;
+  }
+  if (::stat(native.c_str(), &st) != 0) {
+    int error = errno;
+    if (error != ENOENT || ::lstat(native.c_str(), &st) != 0) return false;
+    kind = TFileKind::BrokenLink; // the name is there, what it leads to is not
+  } else {
+    kind = KindOf(st);
+  }
+  identity = {static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino)};
+  return true;
+}
+
+const char *FileKindText(TFileKind kind) {
+  switch (kind) {
+  case TFileKind::Regular:
+    return "a file";
+  case TFileKind::Folder:
+    return "a folder";
+  case TFileKind::Fifo:
+    return "a FIFO (named pipe)";
+  case TFileKind::Socket:
+    return "a socket";
+  case TFileKind::CharDevice:
+  case TFileKind::BlockDevice:
+    return "a device";
+  case TFileKind::BrokenLink:
+    return "a broken link";
+  case TFileKind::Other:
+    break;
+  }
+  return "not a file";
 }
 
 int32_t FileAge(const std::string &fileName) {

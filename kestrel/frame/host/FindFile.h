@@ -13,13 +13,16 @@
 // Attributes come from the file: faDirectory for a folder, faHidden for a
 // name that begins with "." (but "." and ".."), faReadOnly when the owner may
 // not write, faArchive for a plain file and faSysFile for any other kind
-// (device, pipe, socket). Links are followed; a broken link is not listed.
-// As on the host, a search returns plain files, read-only and archive ones
-// included, and those hidden, system and folder entries whose bits are in the
-// attribute argument.
+// (device, pipe, socket). A symbolic link has the attributes of what it leads
+// to and faSymLink besides, as a link on the host system carries its reparse
+// bit: a walk that must not loop looks for that bit before it enters a folder.
+// A broken link is a system file (Kind BrokenLink). As on the host, a search
+// returns plain files, read-only and archive ones included, and those hidden,
+// system and folder entries whose bits are in the attribute argument.
 //
 // Matches come in the order of their names' bytes, so every run gives the same
-// order. The folder is read once, at FindFirst.
+// order. The folder is read once, at FindFirst. When FindFirst fails, the
+// system's reason stays in GetLastOSError (ENOENT when nothing matched).
 #pragma once
 
 #include <cstdint>
@@ -37,13 +40,37 @@ inline constexpr int32_t faVolumeID = 0x08;
 inline constexpr int32_t faDirectory = 0x10;
 inline constexpr int32_t faArchive = 0x20;
 inline constexpr int32_t faAnyFile = 0x3F;
+// Reported, never searched for: the entry is a symbolic link.
+inline constexpr int32_t faSymLink = 0x400;
 
 // Result codes of the search.
 inline constexpr int32_t ERROR_FILE_NOT_FOUND = 2;
 inline constexpr int32_t ERROR_PATH_NOT_FOUND = 3;
+inline constexpr int32_t ERROR_ACCESS_DENIED = 5;
+inline constexpr int32_t ERROR_FILENAME_EXCED_RANGE = 206;
 inline constexpr int32_t ERROR_NO_MORE_FILES = 18;
 
 struct TSearchState; // the folder's matching entries, read at FindFirst
+
+// What a name stands for, links followed.
+enum class TFileKind : uint8_t {
+  Regular,
+  Folder,
+  Fifo,
+  Socket,
+  CharDevice,
+  BlockDevice,
+  BrokenLink,
+  Other
+};
+// "a FIFO (named pipe)", "a socket", "a device", "a broken link"...
+const char *FileKindText(TFileKind kind);
+
+// Device and inode: one file or folder however it is reached.
+struct TFileIdentity {
+  uint64_t Device = 0, Inode = 0;
+  auto operator<=>(const TFileIdentity &) const = default;
+};
 
 // One match of a folder search, filled by FindFirst and FindNext.
 struct TSearchRec {
@@ -53,9 +80,12 @@ struct TSearchRec {
   std::string Name; // no folder
   int32_t ExcludeAttr = 0;
   std::shared_ptr<TSearchState> FindHandle; // released by FindClose or with the record
+  TFileKind Kind = TFileKind::Regular;      // of the link's target for a link
+  TFileIdentity Identity;                   // likewise
 };
 
-// 0 and the first match in F, or an error code (no folder: 3; no match: 2).
+// 0 and the first match in F, or an error code (no folder: 3; no match: 2;
+// a folder that may not be read: 5; a name too long: 206).
 int32_t FindFirst(const std::string &path, int32_t attr, TSearchRec &F);
 // 0 and the next match in F, or ERROR_NO_MORE_FILES.
 int32_t FindNext(TSearchRec &F);
@@ -68,6 +98,9 @@ bool MatchesFileMask(std::string_view name, std::string_view mask);
 int32_t FileGetAttr(const std::string &fileName);
 // The file's date stamp, -1 when there is no such file.
 int32_t FileAge(const std::string &fileName);
+// The kind and identity of what a name stands for, links followed; false
+// (with the reason in GetLastOSError) when it can't be looked at.
+bool FileKindOf(const std::string &fileName, TFileKind &kind, TFileIdentity &identity);
 // Sets a file's date stamp; 0 on success, else an error number.
 int32_t FileSetDate(const std::string &fileName, int32_t age);
 

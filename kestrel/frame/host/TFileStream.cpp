@@ -84,8 +84,13 @@ THandle Fail(int error) {
   return INVALID_HANDLE_VALUE;
 }
 
-std::string OpenFailureReason(int error) {
+std::string OpenFailureReason(int error, const std::string &fileName) {
   if (error == ERROR_SHARING_VIOLATION_ERRNO) return Consts::SSharingViolation;
+  TFileKind kind;
+  TFileIdentity id;
+  if (error == ENXIO && FileKindOf(fileName, kind, id) &&
+      (kind == TFileKind::Fifo || kind == TFileKind::Socket))
+    return std::string("It is ") + FileKindText(kind) + ", not a file.";
   return SysErrorMessage(error);
 }
 
@@ -99,11 +104,17 @@ THandle FileOpen(const std::string &fileName, uint32_t mode) {
                    : accessMode == fmOpenWrite ? kWrite
                                                : kRead | kWrite;
   std::lock_guard<std::mutex> lock(gShareMutex);
-  int fd = ::open(NativePath(fileName).c_str(), flags | O_CLOEXEC);
+  // Opened without waiting, so that a FIFO with no writer can't block; a
+  // FIFO or socket is no file to open, nor, as on the host, is a folder.
+  int fd = ::open(NativePath(fileName).c_str(), flags | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return INVALID_HANDLE_VALUE;
   struct stat st;
-  int error = ::fstat(fd, &st) != 0 ? errno : S_ISDIR(st.st_mode) ? EISDIR : 0;
-  if (error) { // the host's system opens no folder as a file
+  int error = ::fstat(fd, &st) != 0                                           ? errno
+              : S_ISDIR(st.st_mode)                                           ? EISDIR
+              : S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode)                  ? ENXIO
+              : ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0 ? errno
+                                                                              : 0;
+  if (error) {
     ::close(fd);
     return Fail(error);
   }
@@ -238,7 +249,7 @@ TFileStream::TFileStream(const std::string &fileName, uint16_t mode)
     if (FHandle < 0) {
       int error = errno;
       EFCreateError e(Format(Consts::SFCreateErrorEx, ExpandFileName(fileName).c_str(),
-                             OpenFailureReason(error).c_str()));
+                             OpenFailureReason(error, fileName).c_str()));
       errno = error; // for RaiseLastOSError
       throw e;
     }
@@ -247,7 +258,7 @@ TFileStream::TFileStream(const std::string &fileName, uint16_t mode)
     if (FHandle < 0) {
       int error = errno;
       EFOpenError e(Format(Consts::SFOpenErrorEx, ExpandFileName(fileName).c_str(),
-                           OpenFailureReason(error).c_str()));
+                           OpenFailureReason(error, fileName).c_str()));
       errno = error; // for RaiseLastOSError
       throw e;
     }

@@ -1,5 +1,6 @@
 #include <kestrel/frame/zip/VCLUnZip.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -48,11 +49,11 @@ std::string ZipErrorText(int code) {
 }
 
 [[noreturn]] void CannotRead(const std::string &name, const std::string &why) {
-  throw EZipError("Cannot read ZIP archive \"" + name + "\": " + why);
+  throw EZipError("Cannot read ZIP archive \"" + name + "\": " + why, why);
 }
 
 [[noreturn]] void CannotUnpack(const std::string &member, const std::string &why) {
-  throw EZipError("Cannot unpack \"" + member + "\": " + why);
+  throw EZipError("Cannot unpack \"" + member + "\": " + why, why);
 }
 
 // The parts of a stored folder that may be recreated: no empty, ".", ".."
@@ -219,7 +220,8 @@ int32_t TVCLUnZip::UnZipSelected() {
   if (FDestDir.empty()) throw EZipError("No destination folder to unpack into");
   std::string dest = NativePath(FDestDir);
   if (!ForceDirectories(dest))
-    throw EZipError("Cannot create the destination folder \"" + FDestDir + "\"");
+    throw EZipError("Cannot create the destination folder \"" + FDestDir +
+                    "\": " + SysErrorMessage(errno));
   Fd dirfd(::open(dest.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (dirfd.get() < 0)
     throw EZipError("Cannot open the destination folder \"" + FDestDir +
@@ -234,7 +236,7 @@ int32_t TVCLUnZip::UnZipSelected() {
 // the overwrite rule kept an existing file.
 bool TVCLUnZip::UnZipOne(int dirfd, int32_t index) {
   const Member &m = FMembers[static_cast<size_t>(index)];
-  std::string stored = m.pathname + m.filename;
+  std::string stored = MemberName(index);
   std::vector<std::string> parts =
       RecreateDirs ? SafeParts(m.pathname) : std::vector<std::string>();
   bool folderEntry = m.filename.empty();
@@ -251,7 +253,7 @@ bool TVCLUnZip::UnZipOne(int dirfd, int32_t index) {
 
   struct stat st;
   if (::fstatat(here.get(), m.filename.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0) {
-    if (S_ISDIR(st.st_mode)) CannotUnpack(stored, "a folder of that name is in the way");
+    if (S_ISDIR(st.st_mode)) CannotUnpack(MemberName(index), "a folder of that name is in the way");
     bool overwrite = OverwriteMode == TUZOverwriteMode::Always;
     if (OverwriteMode == TUZOverwriteMode::Prompt && OnPromptForOverwrite)
       OnPromptForOverwrite(this, overwrite, relative);
@@ -261,13 +263,52 @@ bool TVCLUnZip::UnZipOne(int dirfd, int32_t index) {
   return true;
 }
 
+// Hands the member's data to write in pieces; the failure's text, or empty.
+// Never reads more than the directory entry announces, so that a member
+// that inflates past its stated size costs no more than that size.
+std::string TVCLUnZip::ReadMember(int32_t index,
+                                  const std::function<bool(const char *, size_t)> &write) {
+  const Member &m = FMembers[static_cast<size_t>(index)];
+  if (m.encrypted) return "the member is encrypted";
+  zip_file_t *in = zip_fopen_index(FArchive, static_cast<zip_uint64_t>(index), 0);
+  if (!in) return zip_strerror(FArchive);
+  std::string failure;
+  std::vector<char> buffer(static_cast<size_t>(std::min<int64_t>(m.size + 1, 1 << 16)));
+  int64_t total = 0;
+  for (;;) {
+    const auto want = static_cast<zip_uint64_t>(
+        std::min<int64_t>(static_cast<int64_t>(buffer.size()), m.size - total + 1));
+    zip_int64_t n = zip_fread(in, buffer.data(), want);
+    if (n < 0) {
+      failure = zip_file_strerror(in);
+      break;
+    }
+    if (n == 0) break;
+    total += n;
+    if (total > m.size) {
+      failure = "the member's data is longer than its directory entry says";
+      break;
+    }
+    if (!write(buffer.data(), static_cast<size_t>(n))) {
+      failure = SysErrorMessage(errno);
+      break;
+    }
+  }
+  zip_fclose(in);
+  if (failure.empty() && total != m.size)
+    failure = "the member's data is shorter than its directory entry says";
+  return failure;
+}
+
+std::string TVCLUnZip::MemberName(int32_t index) const {
+  const Member &m = FMembers[static_cast<size_t>(index)];
+  return IncludeTrailingPathDelimiter(FZipName) + m.pathname + m.filename;
+}
+
 // Writes the member to a temporary file beside the target, then renames it
 // over the target (a link there is replaced, not followed).
 void TVCLUnZip::Extract(int dirfd, const std::string &name, int32_t index) {
   const Member &m = FMembers[static_cast<size_t>(index)];
-  std::string stored = m.pathname + m.filename;
-  zip_file_t *in = zip_fopen_index(FArchive, static_cast<zip_uint64_t>(index), 0);
-  if (!in) CannotUnpack(stored, zip_strerror(FArchive));
   std::string temp;
   int out = -1;
   for (int attempt = 0; attempt < 100 && out < 0; ++attempt) {
@@ -275,30 +316,10 @@ void TVCLUnZip::Extract(int dirfd, const std::string &name, int32_t index) {
     out = ::openat(dirfd, temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     if (out < 0 && errno != EEXIST) break;
   }
-  if (out < 0) {
-    std::string why = SysErrorMessage(errno);
-    zip_fclose(in);
-    CannotUnpack(stored, why);
-  }
-  std::string failure;
-  std::vector<char> buffer(1 << 16);
-  int64_t total = 0;
-  for (;;) {
-    zip_int64_t n = zip_fread(in, buffer.data(), buffer.size());
-    if (n < 0) {
-      failure = zip_file_strerror(in);
-      break;
-    }
-    if (n == 0) break;
-    if (FileWrite(out, buffer.data(), static_cast<int32_t>(n)) != n) {
-      failure = SysErrorMessage(errno);
-      break;
-    }
-    total += n;
-  }
-  zip_fclose(in);
-  if (failure.empty() && total != m.size)
-    failure = "the member's data is shorter than its directory entry says";
+  if (out < 0) CannotUnpack(MemberName(index), SysErrorMessage(errno));
+  std::string failure = ReadMember(index, [out](const char *data, size_t n) {
+    return FileWrite(out, data, static_cast<int32_t>(n)) == static_cast<int32_t>(n);
+  });
   if (failure.empty()) {
     struct timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(m.mtime), 0}};
     ::futimens(out, times);
@@ -308,8 +329,27 @@ void TVCLUnZip::Extract(int dirfd, const std::string &name, int32_t index) {
     failure = SysErrorMessage(errno);
   if (!failure.empty()) {
     ::unlinkat(dirfd, temp.c_str(), 0);
-    CannotUnpack(stored, failure);
+    CannotUnpack(MemberName(index), failure);
   }
+}
+
+int64_t TVCLUnZip::UnZipToStream(TStream *stream, int32_t index) {
+  if (!FArchive) throw EZipError("No ZIP archive has been read");
+  const Member &m = At(index);
+  if (m.filename.empty()) CannotUnpack(MemberName(index), "it is a folder entry");
+  std::string streamFailure;
+  std::string failure = ReadMember(index, [&](const char *data, size_t n) {
+    try {
+      stream->WriteBuffer(data, static_cast<int32_t>(n));
+      return true;
+    } catch (const std::exception &e) {
+      streamFailure = e.what();
+      return false;
+    }
+  });
+  if (!streamFailure.empty()) failure = streamFailure;
+  if (!failure.empty()) CannotUnpack(MemberName(index), failure);
+  return m.size;
 }
 
 int32_t Kpsmall::PMsgDlg(const std::string &Text, const std::string &Caption, uint32_t Flags) {

@@ -19,18 +19,27 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/TComponent.h>
+#include <kestrel/frame/host/TStream.h>
 #include <kestrel/frame/host/Types.h>
 
 struct zip;
 
 namespace kestrel {
 
-KESTREL_DECLARE_EXCEPTION(EZipError, Exception);
+// Message: what failed, with the archive's or member's name; Reason: the
+// cause alone ("Not a zip archive", "CRC error").
+class EZipError : public Exception {
+public:
+  explicit EZipError(std::string message, std::string reason = {})
+      : Exception(std::move(message)), Reason(reason.empty() ? FMessage : std::move(reason)) {}
+  std::string Reason;
+};
 
 // What UnZipSelected does with a target file that exists already.
 enum class TUZOverwriteMode : uint8_t {
@@ -87,6 +96,12 @@ public:
   // Raises EZipError when no archive has been read, DestDir is empty, or a
   // member can't be unpacked (damaged, encrypted, a target that is a folder).
   int32_t UnZipSelected();
+  // Writes member index's data to the stream and gives its size; nothing
+  // goes to disk. Reads no more than the member's directory entry states
+  // (GetUnCompressedSize, for the caller to check against its limit). Raises
+  // EZipError, with the member's name and the reason, when the data is
+  // damaged, encrypted or not of its stated size, or the stream fails.
+  int64_t UnZipToStream(TStream *stream, int32_t index);
 
   // Options. RecreateDirs: members land in their stored folders below
   // DestDir; when false, directly in DestDir.
@@ -110,6 +125,9 @@ private:
   void CloseArchive();
   bool UnZipOne(int dirfd, int32_t index);
   void Extract(int dirfd, const std::string &name, int32_t index);
+  std::string ReadMember(int32_t index, const std::function<bool(const char *, size_t)> &write);
+  // The member as the folder scanner names it: archive, delimiter, stored name.
+  std::string MemberName(int32_t index) const;
 
   std::string FZipName, FDestDir, FComment;
   std::vector<Member> FMembers;
