@@ -37,8 +37,9 @@ size_t DisplayWidth(const std::string &utf8) {
       std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-TableWriter::TableWriter(OutputFormat format, std::vector<Column> columns, std::FILE *out)
-    : format_(format), columns_(std::move(columns)), out_(out) {
+TableWriter::TableWriter(OutputFormat format, std::vector<Column> columns, std::FILE *out,
+                         bool endLine)
+    : format_(format), columns_(std::move(columns)), out_(out), endLine_(endLine) {
   if (format_ == OutputFormat::Json) std::fputs("[", out_);
   if (format_ == OutputFormat::Tsv || format_ == OutputFormat::Csv) {
     std::vector<std::string> names;
@@ -80,7 +81,10 @@ void TableWriter::Row(const std::vector<std::string> &cells) {
 void TableWriter::Finish() {
   if (finished_) return;
   finished_ = true;
-  if (format_ == OutputFormat::Json) std::fputs(first_ ? "]\n" : "\n]\n", out_);
+  if (format_ == OutputFormat::Json) {
+    std::fputs(first_ ? "]" : "\n]", out_);
+    if (endLine_) std::fputs("\n", out_);
+  }
   if (format_ != OutputFormat::Text) return;
   std::vector<size_t> widths(columns_.size(), 0);
   for (size_t i = 0; i < columns_.size(); ++i)

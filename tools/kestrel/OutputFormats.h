@@ -33,7 +33,10 @@ struct Column {
 // until Finish to align the columns; the other formats stream.
 class TableWriter {
 public:
-  TableWriter(OutputFormat format, std::vector<Column> columns, std::FILE *out = stdout);
+  // endLine: whether Finish ends the output's last line (not so when the
+  // JSON array is a member of an object the caller goes on to write).
+  TableWriter(OutputFormat format, std::vector<Column> columns, std::FILE *out = stdout,
+              bool endLine = true);
   void Row(const std::vector<std::string> &cells);
   void Finish();
 
@@ -44,6 +47,7 @@ private:
   std::vector<std::vector<std::string>> held_;
   bool first_ = true;
   bool finished_ = false;
+  bool endLine_ = true;
 };
 
 // Columns that a UTF-8 string takes on a terminal (one per character).
