@@ -2,11 +2,19 @@
 // independent Python count, and the options that choose and order rows.
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
 #include <map>
+#include <spawn.h>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 #include "TestSupport.h"
@@ -160,6 +168,48 @@ TEST(WordsCommand, BadUsageAndEmptyInput) {
     EXPECT_NE(r.out.find("kestrel words: "), std::string::npos) << bad;
   }
   EXPECT_EQ(Words(dir / "missing.txt").status, 1);
+}
+
+// Ctrl-C while the second of three texts is being read: the program reads
+// it to the end, prints the words of the first two and exits with 130. The
+// second text is a FIFO, so the test knows when the program is at it.
+TEST(WordsCommand, CtrlCEndsAfterTheCurrentFileWithTheResultsSoFar) {
+  kestrel::test::TempDir dir;
+  dir.WriteFile("1.txt", "first\n");
+  dir.WriteFile("3.txt", "third\n");
+  ASSERT_EQ(::mkfifo((dir / "2.txt").c_str(), 0600), 0);
+  const std::string program = std::string(KESTREL_BINARY_DIR) + "/tools/kestrel";
+  const std::string files[] = {dir / "1.txt", dir / "2.txt", dir / "3.txt"};
+  const char *argv[] = {program.c_str(),  "words",          "--format",       "tsv",
+                        files[0].c_str(), files[1].c_str(), files[2].c_str(), nullptr};
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  const std::string out = dir / "out";
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
+  pid_t pid = 0;
+  ASSERT_EQ(
+      ::posix_spawn(&pid, program.c_str(), &actions, nullptr, const_cast<char **>(argv), environ),
+      0);
+  posix_spawn_file_actions_destroy(&actions);
+  int fifo = -1;
+  for (int tries = 0; fifo < 0 && tries < 3000; ++tries) {
+    fifo = ::open(files[1].c_str(), O_WRONLY | O_NONBLOCK); // fails until the reader opens
+    if (fifo < 0) ::usleep(1000);
+  }
+  ASSERT_GE(fifo, 0) << std::strerror(errno);
+  ::usleep(50000); // the program is in the read now, or about to be
+  ASSERT_EQ(::kill(pid, SIGINT), 0);
+  ASSERT_EQ(::write(fifo, "second\n", 7), 7);
+  ::close(fifo);
+  int status = 0;
+  ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  std::ifstream in(out);
+  const std::string printed((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_NE(printed.find("\tfirst\t"), std::string::npos) << printed;
+  EXPECT_NE(printed.find("\tsecond\t"), std::string::npos) << printed;
+  EXPECT_EQ(printed.find("third"), std::string::npos) << printed;
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include "OutputFormats.h"
 #include "SearchInputs.h"
 #include "TextFiles.h"
+#include "WalkControl.h"
 #include "WordChars.h"
 
 namespace kestrel::cli {
@@ -135,10 +136,14 @@ int RunWords(const Args &args) {
 
   Counter counter(options);
   Progress progress(false);
-  for (size_t i = 0; i < inputs.size(); ++i) {
-    progress.Update("counting " + std::to_string(i + 1) + "/" + std::to_string(inputs.size()) +
-                    ": " + inputs[i].name);
-    counter.Count(DecodeText(inputs[i].load(), encoding).text, i);
+  WalkStatus status(inputs.size(), "words");
+  InterruptGuard interrupt;
+  for (size_t i = 0; i < inputs.size() && !InterruptGuard::Requested(); ++i) {
+    const std::string bytes = inputs[i].load();
+    const uint64_t before = counter.Total();
+    counter.Count(DecodeText(bytes, encoding).text, i);
+    status.FileDone(bytes.size(), counter.Total() - before);
+    progress.Update(status.Text());
   }
   progress.Done();
 
@@ -154,6 +159,7 @@ int RunWords(const Args &args) {
                std::to_string(rows[i].second->files)});
   table.Finish();
   std::fflush(stdout);
+  if (InterruptGuard::Requested()) return kInterruptedStatus;
   return rows.empty() ? 1 : 0;
 }
 
