@@ -16,9 +16,11 @@ std::string Plural(uint64_t n, const char *word, const char *plural) {
   return std::to_string(n) + " " + (n == 1 ? word : plural);
 }
 
-const std::vector<Column> kLineColumns = {{"file", false},  {"line", true},   {"column", true},
-                                          {"start", true},  {"stop", true},   {"left", false},
-                                          {"match", false}, {"right", false}, {"encoding", false}};
+// The place first, as JSON had it before the contexts came: file, offsets,
+// line, column, match, encoding; then the contexts.
+const std::vector<Column> kLineColumns = {{"file", false},     {"start", true},  {"stop", true},
+                                          {"line", true},      {"column", true}, {"match", false},
+                                          {"encoding", false}, {"left", false},  {"right", false}};
 
 } // namespace
 
@@ -50,8 +52,8 @@ void ConcordanceOutput::Emit(const ConcordanceLine &l) {
     PrintText(l, o_.context.width);
     return;
   }
-  table_->Row({l.file, std::to_string(l.line), std::to_string(l.column), std::to_string(l.start),
-               std::to_string(l.stop), Utf8(l.left), Utf8(l.match), Utf8(l.right), l.encoding});
+  table_->Row({l.file, std::to_string(l.start), std::to_string(l.stop), std::to_string(l.line),
+               std::to_string(l.column), Utf8(l.match), l.encoding, Utf8(l.left), Utf8(l.right)});
 }
 
 void ConcordanceOutput::PrintText(const ConcordanceLine &l, int leftWidth) {
