@@ -525,10 +525,9 @@ void TURESearch::RaiseError(const char16_t *Pattern, uint32_t PatternLength, uin
   throw Exception(Format(prefix.c_str(), pattern.c_str()) + LoadResString(Ident));
 }
 
-void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
-  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return;
+uint32_t TURESearch::ParseURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
+  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return NoExpression;
   ClearUREBuffer();
-  ClearDFA();
   FWorkLeft = CompileWorkLimit;
   FMissingOperand = false;
   UREBuffer.Flags = BlankLine | (CaseFold ? FoldCase : 0);
@@ -537,6 +536,13 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     if (UREBuffer.Error == 0) throw Exception(LoadResString(SUREExpressionEmpty));
     RaiseError(Pattern, PatternLength, ErrorIdent(UREBuffer.Error));
   }
+  return start;
+}
+
+void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
+  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return;
+  ClearDFA();
+  uint32_t start = ParseURE(Pattern, PatternLength, CaseFold);
   Reduce(start);
   if (UREBuffer.Error == 0) MergeEquivalents();
   if (UREBuffer.Error != 0) RaiseError(Pattern, PatternLength, ErrorIdent(UREBuffer.Error));

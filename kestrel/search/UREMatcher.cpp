@@ -19,10 +19,6 @@ namespace kestrel {
 
 namespace {
 
-// The index in the character database of each property number (bit).
-constexpr int PropertyIndex[32] = {0,  1,  3,  5,  6,  7,  8,  9,  12, 14, 15, 16, 17, 18, 20, 21,
-                                   22, 23, 24, 25, 26, 27, 28, 29, 30, 32, 33, 34, 35, 36, 37, 38};
-
 constexpr uint32_t Unset = 0xFFFFFFFF; // MS and ME before they are set
 constexpr int32_t NoTarget = -1;       // no symbol accepts
 constexpr int32_t Anchored = -2;       // a separator: anchors may accept
@@ -107,7 +103,7 @@ bool TURESearch::FindAll(const char16_t *Text, uint32_t TextLen) {
 bool TURESearch::MatchesProperties(uint32_t Props, UCS4 C) const {
   for (int bit = 0; bit < 32; ++bit)
     if ((Props >> bit) & 1u)
-      if (UnicodeLookupProperty(C, PropertyIndex[bit])) return true;
+      if (UnicodeLookupProperty(C, UREPropertyIndex[bit])) return true;
   return false;
 }
 

@@ -222,6 +222,11 @@ public:
 
   // The whole compile; FindPrepare calls it.
   void CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold);
+  // The parse alone, for other automata built from the same language: the
+  // symbols and expressions are left in UREBuffer and the number of the whole
+  // expression is returned. A null or empty pattern gives NoExpression and
+  // changes nothing; a bad one raises as CompileURE does.
+  uint32_t ParseURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold);
   void ClearUREBuffer();
   void ClearDFA();
 

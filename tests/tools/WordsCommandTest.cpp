@@ -215,6 +215,7 @@ Result InterruptAtTheSecondText(std::vector<std::string> args) {
 TEST(WalkingCommands, CtrlCEndsAfterTheCurrentTextWithTheResultsSoFar) {
   const std::vector<std::vector<std::string>> commands = {
       {"words", "--format", "tsv"},
+      {"search", "--format", "tsv", "kestrel"},
   };
   for (const auto &command : commands) {
     const Result r = InterruptAtTheSecondText(command);

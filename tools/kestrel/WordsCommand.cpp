@@ -7,13 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
+#include <kestrel/files/TextFiles.h>
+#include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/unicode/CaseMapping.h>
 
 #include "Cli.h"
 #include "Collation.h"
 #include "OutputFormats.h"
 #include "SearchInputs.h"
-#include "TextFiles.h"
 #include "WalkControl.h"
 #include "WordChars.h"
 
@@ -112,6 +113,7 @@ int64_t PositiveOption(const Args &args, const char *name, int64_t fallback, int
 }
 
 int RunWords(const Args &args) {
+  args.RefuseSingleDash();
   auto unknown = args.Unknown({"case-sensitive", "sort", "min-freq", "top", "ngram", "locale",
                                "encoding", "files", "recursive", "format", "json"});
   if (!unknown.empty()) throw UsageError{"unknown option " + unknown.front()};
@@ -125,8 +127,14 @@ int RunWords(const Args &args) {
   const int64_t top = PositiveOption(args, "top", INT64_MAX, INT64_MAX);
   const OutputFormat format = ChooseFormat(args);
   const uint32_t locale = ChooseLocale(args);
-  const TextEncoding encoding =
-      args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
+  TTextEncoding encoding = DefaultTextEncoding();
+  if (args.Has("encoding")) {
+    try {
+      encoding = TextEncodingFromName(args.Value("encoding"));
+    } catch (const EConvertError &e) {
+      throw UsageError{e.Message()};
+    }
+  }
   if (args.Positional().empty()) throw UsageError{"no file to read"};
 
   SearchInputs sources(args.Value("files", "*.txt"), args.Has("recursive"));
@@ -141,7 +149,7 @@ int RunWords(const Args &args) {
   for (size_t i = 0; i < inputs.size() && !InterruptGuard::Requested(); ++i) {
     const std::string bytes = inputs[i].load();
     const uint64_t before = counter.Total();
-    counter.Count(DecodeText(bytes, encoding).text, i);
+    counter.Count(DecodeText(bytes, encoding).Text, i);
     status.FileDone(bytes.size(), counter.Total() - before);
     progress.Update(status.Text());
   }
@@ -178,8 +186,8 @@ const CommandRegistration kWords{Command{
     "  --min-freq N         only words seen at least N times\n"
     "  --top N              only the first N rows\n"
     "  --ngram N            clusters of N words within a line instead of words\n"
-    "  --encoding ENC       for texts without a mark: a code page (1252, cp1251...),\n"
-    "                       utf-8 (the default), utf-16le or utf-16be\n"
+    "  --encoding ENC       for texts that show no encoding: a code page (1252, cp1251,\n"
+    "                       latin1, koi8-r...), utf-8, utf-16le, utf-16be (default 1252)\n"
     "  --files MASKS        in folders and archives, the files to read (default \"*.txt\")\n"
     "  --recursive          read the sub-folders of a folder too\n"
     "  --format FMT         text (the default), tsv, csv or json; --json is short\n"
