@@ -6,14 +6,12 @@
 #include <cstddef>
 #include <string>
 
-#include <kestrel/unicode/CharDatabase.h>
+#include <kestrel/search/WordBounds.h>
 
 namespace kestrel::cli {
 
-inline bool IsWordChar(UCS4 c) {
-  return UnicodeIsAlpha(c) || UnicodeIsDigit(c) || UnicodeIsMark(c) ||
-         UnicodeIsConnectionPunctuation(c);
-}
+// The library's word character, the one --whole-word bounds words with.
+inline bool IsWordChar(UCS4 c) { return IsWordCharacter(c); }
 
 inline bool IsLineBreak(char16_t c) {
   return c == u'\n' || c == u'\r' || c == 0x2028 || c == 0x2029;
