@@ -238,8 +238,8 @@ const CommandRegistration kSearch{Command{
     "  --count              the matches per file and the total instead of the lines\n"
     "  --max-count N        take at most N matches from each file\n"
     "  --format FMT         text (the default), tsv, csv (RFC 4180) or json, with the\n"
-    "                       fields file, line, column, start, stop (UTF-16 unit offsets\n"
-    "                       into the decoded text), left, match, right, encoding\n"
+    "                       fields file, start, stop (UTF-16 unit offsets into the\n"
+    "                       decoded text), line, column, match, encoding, left, right\n"
     "  --json               short for --format json; with --report an object\n"
     "                       {\"matches\": [...], \"files\": [...]}\n"
     "  Ctrl-C stops after the file being read: what was found is printed, status 130.",

@@ -11,7 +11,9 @@
 namespace kestrel::cli {
 
 // The library's word character, the one --whole-word bounds words with.
-inline bool IsWordChar(UCS4 c) { return IsWordCharacter(c); }
+inline bool IsWordChar(UCS4 c) {
+  return IsWordCharacter(c);
+}
 
 inline bool IsLineBreak(char16_t c) {
   return c == u'\n' || c == u'\r' || c == 0x2028 || c == 0x2029;
