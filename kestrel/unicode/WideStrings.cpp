@@ -11,6 +11,7 @@
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/WideCStrings.h>
 #include <kestrel/unicode/WideStrUtils.h>
 
 namespace kestrel {

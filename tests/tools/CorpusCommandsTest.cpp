@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 
 #include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "ZipWriter.h"
 #include <kestrel/vocabulary/WdefStoredFiles.h>
 
 namespace {

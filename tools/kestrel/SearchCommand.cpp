@@ -14,7 +14,9 @@
 
 #include <kestrel/files/TextFiles.h>
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/search/Search.h>
 #include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
 #include "Collation.h"
