@@ -19,19 +19,23 @@
 #include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
+#include "Collation.h"
+#include "ConcordanceOutput.h"
 #include "FileProblems.h"
 #include "SearchInputs.h"
 #include "SearchLimits.h"
 #include "SearchMatchers.h"
 #include "SearchPrinters.h"
+#include "WalkControl.h"
 
 namespace kestrel::cli {
 namespace {
 
 const std::vector<std::string> kOptions = {
-    "case-sensitive", "ignore-marks", "compress-space", "whole-word", "width", "pattern-file",
-    "encoding",       "json",         "files",          "recursive",  "regex", "single-pass",
-    "report",         "follow-links", "max-file-size",  "max-count"};
+    "case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",  "pattern-file",
+    "encoding",       "json",         "files",          "recursive",  "regex",  "single-pass",
+    "report",         "format",       "words",          "sort",       "locale", "count",
+    "max-count",      "follow-links", "max-file-size"};
 
 // ---- Options
 
@@ -39,9 +43,8 @@ struct SearchOptions {
   MatchOptions match;
   TTextEncoding given = DefaultTextEncoding(); // for texts that show no encoding
   bool encodingGiven = false;
-  int width = 30;
-  bool json = false, report = false;
-  uint64_t maxCount = UINT64_MAX; // matches per text
+  OutputOptions out;
+  uint64_t maxCount = UINT64_MAX; // matches taken from one file
   int64_t maxFileSize = kDefaultMaxFileSize;
 };
 
@@ -69,12 +72,24 @@ SearchOptions ReadOptions(const Args &args) {
   }
   const int64_t width = args.Number("width", 30);
   if (width < 0 || width > 1000) throw UsageError{"--width must lie between 0 and 1000"};
-  o.width = static_cast<int>(width);
-  o.json = args.Has("json");
-  o.report = args.Has("report");
-  const int64_t maxCount = args.Number("max-count", -1);
-  if (args.Has("max-count") && maxCount < 1) throw UsageError{"--max-count must be 1 or more"};
-  if (maxCount > 0) o.maxCount = static_cast<uint64_t>(maxCount);
+  const int64_t words = args.Number("words", 0);
+  if (args.Has("words") && (words < 1 || words > 100))
+    throw UsageError{"--words must lie between 1 and 100"};
+  if (args.Has("words") && args.Has("width"))
+    throw UsageError{"--width and --words do not go together"};
+  OutputOptions &out = o.out;
+  out.context = ContextSpec{static_cast<int>(width), static_cast<int>(words)};
+  out.format = ChooseFormat(args);
+  if (args.Has("sort")) out.sort = ParseSort(args.Value("sort"));
+  out.locale = ChooseLocale(args);
+  out.count = args.Has("count");
+  out.report = args.Has("report");
+  if (out.count && args.Has("sort")) throw UsageError{"--sort does not go with --count"};
+  if (args.Has("max-count")) {
+    const int64_t most = args.Number("max-count", 0);
+    if (most < 1) throw UsageError{"--max-count must be 1 or more"};
+    o.maxCount = static_cast<uint64_t>(most);
+  }
   o.maxFileSize = MaxFileSize(args.Value("max-file-size"));
   m.maxCount = o.maxCount;
   return o;
@@ -134,33 +149,46 @@ std::string EvidenceText(TEncodingEvidence e, bool encodingGiven) {
   return encodingGiven ? "as given" : "assumed";
 }
 
-// Reads one input, says how when it had to assume, searches it, prints.
-FileResult SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer,
-                     FileProblems &problems) {
-  const TDecodedText decoded = DecodeText(in.load(), o.given);
-  FileResult file{in.name, decoded.Encoding.Name(), EvidenceText(decoded.Evidence, o.encodingGiven),
-                  0};
+// Reads one input, says how when it had to assume, searches it, hands the
+// lines on; returns the matches and the bytes read.
+std::pair<uint64_t, size_t> SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o,
+                                      ConcordanceOutput &out, FileProblems &problems) {
+  const std::string bytes = in.load();
+  const TDecodedText decoded = DecodeText(bytes, o.given);
+  FileCount file{in.name, decoded.Encoding.Name(), EvidenceText(decoded.Evidence, o.encodingGiven),
+                 0};
   if (decoded.Evidence == TEncodingEvidence::Given && !o.encodingGiven && !decoded.Text.empty())
     std::cerr << "kestrel search: " << DisplayName(in.name)
               << ": neither UTF-8 nor UTF-16, read as " << file.encoding
               << " (--encoding names another)\n";
-  const std::vector<MatchSpan> found = matcher.FindAll(decoded.Text);
+  std::vector<MatchSpan> found = matcher.FindAll(decoded.Text);
   if (matcher.EmptyCapReached())
     problems.Note(in.name, "more than " + std::to_string(kMaxEmptyMatches) +
                                " empty matches; the rest of the text was not searched");
-  Placer placer(decoded.Text);
-  for (const MatchSpan &m : found)
-    printer.Print(file, placer.Place(m.start, m.stop), decoded.Text);
+  if (found.size() > o.maxCount) found.resize(o.maxCount);
+  if (!found.empty() && !o.out.count) {
+    const std::u16string &text = decoded.Text;
+    Placer placer(text);
+    for (const MatchSpan &m : found) {
+      const Hit h = placer.Place(m.start, m.stop);
+      ConcordanceLine line =
+          MakeLine(text, h.start, h.stop, h.line, h.column, o.out.context, o.out.sort);
+      line.file = file.name;
+      line.encoding = file.encoding;
+      out.Add(std::move(line));
+    }
+  }
   file.matches = found.size();
-  printer.FileDone(file);
-  return file;
+  out.FileDone(file);
+  return {file.matches, bytes.size()};
 }
 
 // SearchOne, with a text that can't be had reported and counted as no match.
-uint64_t SearchOrReport(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer,
-                        FileProblems &problems) {
+std::pair<uint64_t, size_t> SearchOrReport(const Input &in, Matcher &matcher,
+                                           const SearchOptions &o, ConcordanceOutput &out,
+                                           FileProblems &problems) {
   try {
-    return SearchOne(in, matcher, o, printer, problems).matches;
+    return SearchOne(in, matcher, o, out, problems);
   } catch (const InputSkipped &skipped) {
     problems.Note(in.name, skipped.why);
   } catch (const InputFailed &failed) {
@@ -170,13 +198,13 @@ uint64_t SearchOrReport(const Input &in, Matcher &matcher, const SearchOptions &
   } catch (const Exception &e) {
     problems.Failure(in.name, e.Message());
   }
-  return 0;
+  return {0, 0};
 }
 
 // ---- The command
 
 int RunSearch(const Args &args) {
-  const SearchOptions o = ReadOptions(args);
+  SearchOptions o = ReadOptions(args);
   std::vector<std::string> paths;
   const std::u16string pattern = TakePattern(args, o, paths);
   std::unique_ptr<Matcher> matcher = Matcher::Make(pattern, o.match);
@@ -188,26 +216,27 @@ int RunSearch(const Args &args) {
   for (const std::string &path : paths)
     sources.Add(path, inputs);
 
-  size_t nameWidth = 0;
   for (const Input &in : inputs)
-    nameWidth = std::max(nameWidth, in.name.size());
-  std::unique_ptr<Printer> printer =
-      o.json ? MakeJsonPrinter(o.report) : MakeConcordancePrinter(o.width, nameWidth, o.report);
+    o.out.nameWidth = std::max(o.out.nameWidth, DisplayName(in.name).size());
+  ConcordanceOutput out(o.out);
   Progress progress(false);
-  const bool showProgress = inputs.size() >= 20;
+  WalkStatus status(inputs.size(), "matches");
+  InterruptGuard interrupt;
   uint64_t matches = 0;
   size_t withMatches = 0, done = 0;
   for (const Input &in : inputs) {
-    if (showProgress)
-      progress.Update("searching " + std::to_string(++done) + "/" + std::to_string(inputs.size()) +
-                      ": " + in.name);
-    const uint64_t n = SearchOrReport(in, *matcher, o, *printer, problems);
+    if (InterruptGuard::Requested()) break;
+    const auto [n, bytes] = SearchOrReport(in, *matcher, o, out, problems);
     matches += n;
     withMatches += n > 0;
+    ++done;
+    status.FileDone(bytes, n);
+    progress.Update(status.Text());
   }
   progress.Done();
-  printer->Finish(matches, inputs.size(), withMatches, problems.Summary());
+  out.Finish(matches, done, withMatches, problems.Summary());
   std::fflush(stdout);
+  if (InterruptGuard::Requested()) return kInterruptedStatus;
   return problems.Failures() > 0 ? 2 : matches > 0 ? 0 : 1;
 }
 
@@ -251,11 +280,21 @@ const CommandRegistration kSearch{Command{
     "                       are passed by with a note (default 1G)\n"
     "  --max-count N        at most N matches per text\n"
     "  --report             after the matches, a line per file: matches and encoding\n"
-    "  --json               a JSON array: file, start and stop (UTF-16 unit offsets\n"
-    "                       into the decoded text), line, column, the match and the\n"
-    "                       file's encoding; with --report an object {\"matches\": [...],\n"
-    "                       \"files\": [...]}",
-    {"width", "pattern-file", "encoding", "files", "max-file-size", "max-count"},
+    "  --words N            N words of context on each side instead of --width\n"
+    "  --sort KEY           sort the lines: left[:N] or right[:N] by the N-th word left\n"
+    "                       or right of the match (default 1), match by the match;\n"
+    "                       in the order of --locale, equal keys in corpus order\n"
+    "  --locale LOCALE      a name such as de_DE or a Windows locale number\n"
+    "                       (default: the user's)\n"
+    "  --count              the matches per file and the total instead of the lines\n"
+    "  --format FMT         text (the default), tsv, csv (RFC 4180) or json, with the\n"
+    "                       fields file, start, stop (UTF-16 unit offsets into the\n"
+    "                       decoded text), line, column, match, encoding, left, right\n"
+    "  --json               short for --format json; with --report an object\n"
+    "                       {\"matches\": [...], \"files\": [...]}\n"
+    "  Ctrl-C stops after the file being read: what was found is printed, status 130.",
+    {"width", "pattern-file", "encoding", "files", "format", "words", "sort", "locale", "max-count",
+     "max-file-size"},
     RunSearch}};
 
 } // namespace

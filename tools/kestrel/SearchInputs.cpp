@@ -232,4 +232,18 @@ void SearchInputs::AddArchive(const std::string &archive, std::vector<Input> &in
   AddFound(collector, inputs);
 }
 
+bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes) {
+  try {
+    bytes = in.load();
+    return true;
+  } catch (const InputSkipped &skipped) {
+    problems.Note(in.name, skipped.why);
+  } catch (const InputFailed &failed) {
+    problems.Failure(in.name, failed.why);
+  } catch (const std::bad_alloc &) {
+    problems.Failure(in.name, "out of memory");
+  }
+  return false;
+}
+
 } // namespace kestrel::cli

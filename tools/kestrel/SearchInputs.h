@@ -58,6 +58,10 @@ private:
   std::shared_ptr<MemberReader> members_;
 };
 
+// The bytes of an input into bytes; false, with the reason reported to
+// problems, when it can't be had.
+bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes);
+
 // The bytes of a plain file, read whole if it is no larger than limit;
 // InputSkipped past it, InputFailed with the system's reason.
 std::string ReadFileLimited(const std::string &path, int64_t limit);

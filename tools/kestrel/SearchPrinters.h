@@ -1,9 +1,8 @@
-// How kestrel search shows what it found: concordance lines aligned on the
-// match, or JSON; with --report a line per file saying how it was read.
+// Where kestrel search's matches stand: line and column (the printing is
+// ConcordanceOutput's).
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,14 +12,6 @@ namespace kestrel::cli {
 // column (in characters) from 1.
 struct Hit {
   uint32_t start, stop, line, column;
-};
-
-// One searched text: its name, how it was read, its matches.
-struct FileResult {
-  std::string name;
-  std::string encoding; // "UTF-8", "windows-1252", ...
-  std::string evidence; // "byte-order mark", "valid UTF-8", "byte pattern", "assumed", "given"
-  uint64_t matches = 0;
 };
 
 // Offsets at which lines start; CR LF is one break.
@@ -37,21 +28,5 @@ private:
   std::vector<uint32_t> starts_; // made at the first hit
   uint32_t line_ = 0, at_ = 0, column_ = 0;
 };
-
-class Printer {
-public:
-  virtual ~Printer() = default;
-  virtual void Print(const FileResult &file, const Hit &hit, const std::u16string &text) = 0;
-  // After each file, with its count.
-  virtual void FileDone(const FileResult &file) = 0;
-  // At the end; failed: what could not be read ("2 files could not be
-  // read (...)"), or empty.
-  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches,
-                      const std::string &failed) = 0;
-};
-
-// width: columns of context on each side; nameWidth: of the file column.
-std::unique_ptr<Printer> MakeConcordancePrinter(int width, size_t nameWidth, bool report);
-std::unique_ptr<Printer> MakeJsonPrinter(bool report);
 
 } // namespace kestrel::cli
