@@ -54,3 +54,23 @@ format:
 
 clean:
 	rm -rf $(BUILD) $(ASAN) $(BENCHDIR)
+
+# ---- Install, Debian package, install test ----------------------------------
+# make install PREFIX=/opt/kestrel   (DESTDIR is honoured as well)
+# make deb                           build/kestrelcore_<version>_<arch>.deb, via CPack
+# The install test installs the plain build into a temporary prefix and builds
+# the README's example against it; it builds nothing of the library again.
+PREFIX ?= /usr/local
+
+.PHONY: install deb test-install
+
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+deb: build
+	cd $(BUILD) && cpack -G DEB
+
+test-install: build
+	sh tests/install/run.sh $(BUILD)
+
+test: test-install

@@ -8,4 +8,5 @@ file(WRITE ${OUT} "// Generated from ${NAME}: do not edit.\n"
   "namespace {\n"
   "alignas(8) const unsigned char kData[${size} + 1] = {\n${bytes}0};\n"
   "const kestrel::ResourceRegistration kReg(\"${NAME}\", \"${TYPE}\", kData, ${size});\n"
-  "} // namespace\n")
+  "} // namespace\n"
+  "extern \"C\" const char kestrel_embedded_${TYPE}_${NAME} = 0;\n")

@@ -18,6 +18,10 @@ class TMyMask;
 // Slots of each mask array.
 inline constexpr int32_t kPeruseMaskSlots = 10;
 
+// Walks a folder by its masks and reports plain files, ZIP members and
+// sub-folders through its events, or puts them into a list. The events run
+// inside the walk on the caller's thread; clearing fCarryOn stops it. Owns
+// its masks: release it with Free (or delete).
 class TPeruseDir : public TObject {
 public:
   // Each mask string holds up to 10 masks separated by ";"; an empty string

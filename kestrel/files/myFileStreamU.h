@@ -36,6 +36,8 @@ bool WriteShortString(TStream *Stream, const std::string &S);
 std::u16string ReadWideString(TStream *Stream);
 bool WriteWideString(TStream *Stream, const std::u16string &W);
 
+// The file stream of the stored lists: a TFileStream (same opening modes and
+// errors) that also writes short strings.
 class TMyFileStream : public TFileStream {
 public:
   using TFileStream::TFileStream;

@@ -32,6 +32,7 @@ const char *StartupRowName(int32_t row);
 int32_t HostRowCount(int32_t row);
 
 namespace Kestrelcore {
+// The module's entries under the names the host calls them by.
 inline int32_t initialization(HMODULE m, uint32_t r, void *x) { return LibraryEntry(m, r, x); }
 inline void PackageLoad() { Initialize(); }
 inline void PackageUnload() { Finalize(); }

@@ -50,5 +50,6 @@ KESTREL_UNIT_ENTRIES(SortableLists)       // row 87
   }
 
 namespace kestrel {
+// The Start or Stop of a unit that has nothing to do.
 inline void NoUnitWork() {}
 } // namespace kestrel

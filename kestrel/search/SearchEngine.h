@@ -32,6 +32,7 @@ inline constexpr UCS4 kSurrogateHighEnd = 0xDBFF;
 inline constexpr UCS4 kSurrogateLowStart = 0xDC00;
 inline constexpr UCS4 kSurrogateLowEnd = 0xDFFF;
 
+// Tests of one unit, and the code point of a high and a low surrogate.
 constexpr bool IsHighSurrogateUnit(UCS4 u) {
   return u >= kSurrogateHighStart && u <= kSurrogateHighEnd;
 }
@@ -42,6 +43,8 @@ constexpr UCS4 CombineSurrogates(UCS4 high, UCS4 low) {
   return 0x10000 + (((high & 0x3FF) << 10) | (low & 0x3FF));
 }
 
+// The base of TUTBMSearch and TURESearch. FindFirst gives the first match;
+// FindAll keeps every match, read back with Count and GetResult.
 class TSearchEngine : public TObject {
 public:
   // The owner is kept but not owned; the library never reads it.

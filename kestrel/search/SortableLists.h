@@ -14,12 +14,13 @@ namespace kestrel {
 
 enum class Tsort_num : uint8_t { first_sort, second_sort };
 
+// Owns its slots like TList, not the items; descendants add the keys.
 class TSortList : public TList {
 public:
   TSortList() = default;
 
   // Remembers the reference item of the comparison; empty here.
-  virtual void SetBase(void *Item) {}
+  virtual void SetBase(void * /*Item*/) {}
 
   // A descendant whose comparison orders items by a text under a locale for
   // SortKey, Compare(item) being WideCompareText(text of the reference, text

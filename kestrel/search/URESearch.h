@@ -86,6 +86,8 @@ inline constexpr uint16_t SURETooLarge = 65529;
 // The text of a string-table identifier; empty for an unknown one.
 std::string LoadResString(uint16_t Ident);
 
+// The engine's tables, as the compile builds them: the parse buffer and the
+// automaton. Tools read them only through GetDFA and GetUREBuffer.
 struct TRange {
   UCS4 Low = 0;
   UCS4 High = 0;
@@ -194,6 +196,8 @@ struct TDFA {
   TTransitions TransitionList;
 };
 
+// The regular-expression engine. FindPrepare raises Exception with the
+// message of the string table when the pattern is bad.
 class TURESearch : public TSearchEngine {
 public:
   explicit TURESearch(TWideStrings *AOwner = nullptr);

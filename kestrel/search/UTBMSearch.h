@@ -29,6 +29,8 @@ struct TSkipEntry {
   uint32_t Skip;        // in code units
 };
 
+// The literal engine: FindPrepare takes the pattern as plain text and raises
+// nothing of its own.
 class TUTBMSearch : public TSearchEngine {
 public:
   explicit TUTBMSearch(TWideStrings *AOwner);

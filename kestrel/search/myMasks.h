@@ -17,6 +17,7 @@ public:
   std::string MaskText;
 };
 
+// One mask of a TMyMasks.
 struct TMaskEntry {
   bool Selective = true; // false for an entry of exactly "*.*", which matches any name
   TMask *Mask = nullptr; // owned by the list

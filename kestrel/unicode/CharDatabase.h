@@ -16,6 +16,8 @@ namespace kestrel {
 // for property i (0 to 31), bit i of Mask2 for property 32 + i.
 bool UnicodeTestProperties(UCS4 Code, uint32_t Mask1, uint32_t Mask2);
 
+// Whether C has the property the name says (a category, a bidirectional
+// class or another property of the tables).
 bool UnicodeIsAlpha(UCS4 C);
 bool UnicodeIsDigit(UCS4 C);
 bool UnicodeIsAlphaNum(UCS4 C);
@@ -75,6 +77,7 @@ bool UnicodeIsUndefined(UCS4 C);
 bool UnicodeIsHan(UCS4 C);
 bool UnicodeIsHangul(UCS4 C);
 
+// A numeric value as a fraction, in its stored layout.
 #pragma pack(push, 1)
 struct TUnicodeNumber {
   int32_t Numerator;

@@ -20,6 +20,7 @@ class TWideStrings;
 // Asked before text is narrowed with loss; setting Allowed false refuses.
 using TConfirmConversionEvent = OfObject<void(TWideStrings *Sender, bool &Allowed)>;
 
+// The interface of the wide lists; tools make a TWideStringList.
 class TWideStrings : public TPersistent {
 public:
   // Language starts as the user's default locale.
@@ -92,12 +93,15 @@ protected:
   uint32_t Language = 0;
 };
 
+// One item of a TWideStringList.
 struct TWideStringItem {
   std::u16string FString; // owned by the entry
   TObject *FObject;       // not owned
 };
 using TWideStringItemList = std::vector<TWideStringItem>;
 
+// Items with their objects (not owned), kept in order under Language when
+// sorted. A bad index raises EStringListError.
 class TWideStringList : public TWideStrings {
 public:
   TWideStringList() = default;

@@ -17,6 +17,7 @@
 
 namespace kestrel {
 
+// Case changes as told above; the FileName forms are the same on this platform.
 std::string AnsiLowerCase(std::string_view s);
 std::string AnsiUpperCase(std::string_view s);
 std::string AnsiLowerCaseFileName(std::string_view s);

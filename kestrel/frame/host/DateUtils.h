@@ -19,6 +19,7 @@ inline constexpr double MSecsPerDay = 24.0 * 60 * 60 * 1000;
 // 1970-01-01 as a TDateTime.
 inline constexpr TDateTime UnixDateDelta = 25569;
 
+// Gregorian calendar rules.
 bool IsLeapYear(uint16_t year);
 uint16_t DaysInAMonth(uint16_t year, uint16_t month); // 0 for a month outside 1..12
 
@@ -33,6 +34,7 @@ TDateTime EncodeDateDay(uint16_t year, uint16_t dayOfYear);
 TDateTime EncodeDateTime(uint16_t year, uint16_t month, uint16_t day, uint16_t hour, uint16_t min,
                          uint16_t sec, uint16_t msec);
 
+// The parts of a date-time (the time parts of its fraction, to the millisecond).
 void DecodeDate(TDateTime date, uint16_t &year, uint16_t &month, uint16_t &day);
 void DecodeTime(TDateTime time, uint16_t &hour, uint16_t &min, uint16_t &sec, uint16_t &msec);
 
@@ -48,6 +50,7 @@ TDateTime UnixTimeToLocalDateTime(std::time_t t);
 int32_t UnixTimeToFileDate(std::time_t t);        // 0 when the year can't be stamped
 std::time_t FileDateToUnixTime(int32_t fileDate); // -1 for an invalid stamp
 
+// The local date and time of the system's clock; Date drops the time of day.
 TDateTime Now();
 TDateTime Date();
 

@@ -8,6 +8,7 @@
 
 namespace kestrel {
 
+// The root of the library's errors; catch it (or std::exception) for all.
 class Exception : public std::exception {
 public:
   explicit Exception(std::string message) : FMessage(std::move(message)) {}

@@ -29,6 +29,8 @@ enum class TValueType : uint8_t { vaNull = 0, vaList = 1, vaWString = 0x12 };
 using TReaderProc = OfObject<void(TReader *)>;
 using TWriterProc = OfObject<void(TWriter *)>;
 
+// The common part of readers and writers: the stream (not owned) and the
+// property callback.
 class TFiler : public TObject {
 public:
   explicit TFiler(TStream *stream) : FStream(stream) {}
@@ -48,6 +50,8 @@ protected:
   TStream *FStream;
 };
 
+// Reads properties in the binary form; raises EReadError on a tag, property
+// or count it refuses and at the stream's end.
 class TReader : public TFiler {
 public:
   using TFiler::TFiler;
@@ -70,6 +74,8 @@ private:
   bool FHandled = false;
 };
 
+// Writes properties in the binary form; raises EWriteError when the stream
+// takes less than it is given or a name or text is too long for the form.
 class TWriter : public TFiler {
 public:
   using TFiler::TFiler;

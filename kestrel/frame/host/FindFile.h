@@ -45,6 +45,7 @@ inline constexpr int32_t ERROR_NO_MORE_FILES = 18;
 
 struct TSearchState; // the folder's matching entries, read at FindFirst
 
+// One match of a folder search, filled by FindFirst and FindNext.
 struct TSearchRec {
   int32_t Time = 0; // date stamp, see DateUtils.h
   int64_t Size = 0;

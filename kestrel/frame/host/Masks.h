@@ -21,9 +21,11 @@
 
 namespace kestrel {
 
+// A compiled mask; the constructor raises EMaskException for a bad one.
 class TMask : public TObject {
 public:
   explicit TMask(std::string_view mask);
+  // Whether the whole name matches the mask.
   bool Matches(std::string_view name) const;
 
 private:

@@ -32,6 +32,8 @@ struct TLibModule {
   int32_t Reserved;
 };
 
+// Adds a module's record at the head of the host's list; takes it out again.
+// The record stays the caller's.
 void RegisterModule(TLibModule *module);
 void UnregisterModule(TLibModule *module);
 // The first registered module (the head of the host's list).

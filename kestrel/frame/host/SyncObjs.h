@@ -7,6 +7,7 @@
 
 namespace kestrel {
 
+// Enter and Leave (or std::lock_guard) around the guarded work.
 class TCriticalSection : public TObject {
 public:
   void Enter() { FMutex.lock(); }

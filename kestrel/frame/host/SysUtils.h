@@ -15,6 +15,8 @@ inline constexpr char DriveDelim = ':';
 // printf-style formatting into a byte string.
 std::string Format(const char *fmt, ...) __attribute__((format(printf, 1, 2)));
 
+// Numbers and ASCII text. StrToIntDef gives the fallback and TryStrToInt false
+// where StrToInt raises; CompareText is below 0, 0 or above 0, without case.
 std::string IntToStr(int64_t value);
 int32_t StrToInt(std::string_view text); // raises EConvertError
 int32_t StrToIntDef(std::string_view text, int32_t fallback);
@@ -34,6 +36,8 @@ std::string ChangeFileExt(std::string_view path, std::string_view ext);
 std::string IncludeTrailingPathDelimiter(std::string_view path);
 std::string ExcludeTrailingPathDelimiter(std::string_view path);
 
+// Files and folders by name: true on success, false on failure (nothing raises).
+// ForceDirectories makes every missing folder of the path.
 bool FileExists(std::string_view path);
 bool DirectoryExists(std::string_view path);
 bool DeleteFile(std::string_view path);

@@ -11,6 +11,7 @@
 
 namespace kestrel {
 
+// Make one with an owner to have the owner free it; with null, free it yourself.
 class TComponent : public TPersistent {
 public:
   explicit TComponent(TComponent *owner) : FOwner(owner) {

@@ -45,6 +45,7 @@ int32_t FileGetDate(THandle handle);
 // Sets the modification date from a stamp; 0 on success, else an error number.
 int32_t FileSetDate(THandle handle, int32_t age);
 
+// The system's text for an error number.
 std::string SysErrorMessage(int32_t errorCode);
 
 // A stream over a handle it does not own.

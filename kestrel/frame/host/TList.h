@@ -13,6 +13,9 @@ enum class TListNotification : uint8_t { lnAdded, lnExtracted, lnDeleted };
 
 using TListSortCompare = int (*)(void *item1, void *item2);
 
+// Owns its slots, not what the pointers point to. An index outside 0 to
+// Count() - 1 raises EListError (Get, Put, Delete, Exchange, Move, Insert
+// past Count).
 class TList : public TObject {
 public:
   TList() = default;

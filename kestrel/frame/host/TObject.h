@@ -6,6 +6,7 @@ namespace kestrel {
 
 class TFiler;
 
+// Not copyable; a heap instance is freed with Free or delete.
 class TObject {
 public:
   TObject() = default;
@@ -20,6 +21,7 @@ public:
 // Free on null does nothing.
 inline void Free(TObject *obj) { delete obj; }
 
+// Deletes the object and leaves the pointer null.
 template <typename T> void FreeAndNil(T *&obj) {
   T *p = obj;
   obj = nullptr;
@@ -33,7 +35,7 @@ public:
   virtual void Assign(TPersistent *source);
 
   // Names the properties that the object streams itself (see Filer.h).
-  virtual void DefineProperties(TFiler *filer) {}
+  virtual void DefineProperties(TFiler * /*filer*/) {}
 
 protected:
   virtual void AssignTo(TPersistent *dest);

@@ -15,6 +15,8 @@ inline constexpr uint16_t soFromBeginning = 0;
 inline constexpr uint16_t soFromCurrent = 1;
 inline constexpr uint16_t soFromEnd = 2;
 
+// The abstract stream: a position in a sequence of bytes, with reads and
+// writes that may fall short and checked forms that raise instead.
 class TStream : public TObject {
 public:
   virtual int64_t GetSize();

@@ -24,6 +24,7 @@ using TNotifyEvent = OfObject<void(TObject *sender)>;
 
 inline constexpr const char *sLineBreak = "\r\n";
 
+// The interface of the byte-string lists; tools use TStringList.
 class TStrings : public TPersistent {
 public:
   // Element access; a bad index raises EStringListError.
@@ -101,6 +102,10 @@ enum class TDuplicates : uint8_t { DuplicatesIgnore, DuplicatesAccept, Duplicate
 class TStringList;
 using TStringListSortCompare = int (*)(TStringList *list, int32_t index1, int32_t index2);
 
+// The concrete list: items with their objects (not owned), kept in order
+// when Sorted. Duplicates tells what a sorted Add does with an equal item
+// (DuplicatesError raises EStringListError); Insert on a sorted list raises
+// too.
 class TStringList : public TStrings {
 public:
   TStringList() = default;

@@ -49,6 +49,8 @@ MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler);
 // Cancel, No or Abort, whichever the box offers.
 int32_t SafeMessageBoxAnswer(uint32_t type);
 
+// Puts the question to the handler and gives its button number (IDOK ...).
+// The owner window is ignored; a null text or caption counts as empty.
 int32_t MessageBoxA(HWND owner, const char *text, const char *caption, uint32_t type);
 
 // ---- Modules --------------------------------------------------------------

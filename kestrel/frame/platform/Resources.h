@@ -9,6 +9,7 @@
 
 namespace kestrel {
 
+// A resource's bytes; they belong to the module and live as long as it.
 struct ResourceBlob {
   const unsigned char *data;
   size_t size;

@@ -47,6 +47,7 @@ using TUZOverwriteEvent =
 // the number of entries.
 using TUZEntryReadEvent = OfObject<void(TObject *sender, int32_t index, int32_t count)>;
 
+// Reads the directory of a ZIP archive and unpacks selected members.
 class TVCLUnZip : public TComponent {
 public:
   explicit TVCLUnZip(TComponent *owner);
@@ -56,6 +57,8 @@ public:
   virtual void SetZipName(const std::string &name);
   std::string GetZipName() const { return FZipName; }
 
+  // Reads the directory of the named archive; raises EZipError when the file
+  // is missing, empty or not an archive it can read.
   void ReadZip();
   int32_t GetCount() const { return static_cast<int32_t>(FMembers.size()); }
   // The archive comment as stored, byte for byte.

@@ -1,0 +1,102 @@
+// The small string routines of the settings and the decimal form.
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <string>
+
+#include <kestrel/frame/platform/NumberFormat.h>
+#include <kestrel/vocabulary/Vocabulary.h>
+
+namespace kestrel {
+namespace {
+
+TEST(SettingsStrings, ClearingCharactersAndSubstrings) {
+  EXPECT_EQ(ChrClearedFromString('a', "banana"), "bnn");
+  EXPECT_EQ(ChrClearedFromString('x', ""), "");
+  struct Case {
+    const char *sub, *text, *expected;
+  };
+  const Case cases[] = {
+      {"ab", "xabyab", "xy"},
+      // A removal that makes a new occurrence removes that too.
+      {"ab", "aabb", ""},
+      {"ab", "aaabbbc", "c"},
+      {"", "abc", "abc"},
+      {"abc", "ab", "ab"},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(SubStrClearedFromString(c.sub, c.text), c.expected);
+  }
+}
+
+TEST(SettingsStrings, CorrectedPathname) {
+  struct Case {
+    const char *path, *expected;
+  };
+  const Case cases[] = {
+      {"C:", "C:/"},
+      {"c:", "c:/"},
+      {" \tD:\r\n", "D:/"},
+      {"C:texts", "C:/texts"},
+      {"C:/texts", "C:/texts"},
+      {"  /home/me/texts \t", "/home/me/texts"},
+      {"ab", "ab"},
+      {"a:b:c", "a:/b:c"},
+      {"x", "x"},
+      {"", ""},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.path);
+    EXPECT_EQ(CorrectedPathname(c.path), c.expected);
+  }
+}
+
+TEST(SettingsStrings, CutOutsideQuotes) {
+  struct Case {
+    const char *text, *expected;
+  };
+  const Case cases[] = {
+      {"\"abc\"", "abc"}, {"\"\"", ""},           {"\"", ""}, {"\"abc", "\"abc"},
+      {"abc\"", "abc\""}, {"a\"b\"c", "a\"b\"c"}, {"", ""},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(CutOutsideQuotes(c.text), c.expected);
+  }
+}
+
+TEST(SettingsStrings, DecimalFormattedKeepsThreeCharactersAtLeast) {
+  const std::string sep = LocaleDecimalSeparator(LOCALE_USER_DEFAULT);
+  struct Case {
+    long double x;
+    std::string expected;
+  };
+  const Case cases[] = {
+      {2, "2" + sep + "0"},      {10, "10" + sep},
+      {100, "100" + sep},        {1.5L, "1" + sep + "5"},
+      {0, "0" + sep + "0"},      {-2.25L, "-2" + sep + "25"},
+      {0.1L, "0" + sep + "1"},   {1.0L / 3, "0" + sep + "3333333333333333"},
+      {1e-17L, "0" + sep + "0"}, {123456789.125L, "123456789" + sep + "125"},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.expected);
+    EXPECT_EQ(DecimalFormatted(c.x), c.expected);
+  }
+  // The largest value is written out in full.
+  const std::string largest = DecimalFormatted(LDBL_MAX);
+  EXPECT_EQ(largest.size(), size_t(LDBL_MAX_10_EXP + 1) + sep.size());
+  EXPECT_EQ(largest.substr(largest.size() - sep.size()), sep);
+}
+
+TEST(SettingsStrings, DecimalSeparatorFollowsTheLocale) {
+  EXPECT_EQ(LocaleDecimalSeparator(0x0409), "."); // en-US
+  EXPECT_EQ(LocaleDecimalSeparator(0x0407), ","); // de-DE
+  EXPECT_EQ(LocaleDecimalSeparator(0x040C), ","); // fr-FR
+  EXPECT_EQ(LocaleDecimalSeparator(0x7C09), "."); // unknown
+  EXPECT_EQ(LocaleDecimalSeparator(LOCALE_USER_DEFAULT),
+            LocaleDecimalSeparator(GetUserDefaultLCID()));
+}
+
+} // namespace
+} // namespace kestrel
