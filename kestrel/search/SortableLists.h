@@ -29,8 +29,8 @@ public:
   // and orders the keys, with the result that Compare would give, calling
   // neither Compare nor SetBase (nor when the platform gives no keys, for an
   // unknown locale: Compare then runs as usual).
-  virtual bool SortsByText(int32_t SortKey, uint32_t &Locale) { return false; }
-  virtual std::u16string_view ItemText(int32_t SortKey, void *Item) { return {}; }
+  virtual bool SortsByText(int32_t /*SortKey*/, uint32_t & /*Locale*/) { return false; }
+  virtual std::u16string_view ItemText(int32_t /*SortKey*/, void * /*Item*/) { return {}; }
 
   // Quicksort of items L to R (both included) with the middle item as the
   // reference. Compare(item) above 0 means the item sorts before the
