@@ -43,7 +43,8 @@ const std::vector<Script> &MostlyAsciiScripts() {
   return scripts;
 }
 
-const std::u16string &RandomWord(std::mt19937 &rng, const std::vector<Script> &scripts = Scripts()) {
+const std::u16string &RandomWord(std::mt19937 &rng,
+                                 const std::vector<Script> &scripts = Scripts()) {
   int total = 0;
   for (const Script &s : scripts)
     total += s.weight;

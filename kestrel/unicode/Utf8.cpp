@@ -77,16 +77,6 @@ size_t DecodeSequences(const uint8_t *src, size_t i, size_t stop, size_t size, c
   return i;
 }
 
-// Decodes one sequence and the sequences beyond ASCII right after it that
-// start before stop: the run of a word in another script.
-size_t DecodeRunBeyondAscii(const uint8_t *src, size_t i, size_t stop, size_t size, char16_t *dst,
-                            size_t &o) {
-  do
-    i = DecodeSequences(src, i, i + 1, size, dst, o);
-  while (i < stop && src[i] >= 0x80);
-  return i;
-}
-
 // Encodes units from..stop, each by itself, in 1 to 3 bytes.
 void EncodeUnits(const char16_t *src, size_t i, size_t stop, char *dst, size_t &o) {
   for (; i < stop; ++i) {
@@ -122,6 +112,16 @@ size_t EncodeScalar(const char16_t *src, size_t i, size_t stop, char *dst, size_
 #if KESTREL_UTF8_X86
 
 // ---- SSE2: runs of ASCII ------------------------------------------------
+
+// Decodes one sequence and the sequences beyond ASCII right after it that
+// start before stop: the run of a word in another script.
+size_t DecodeRunBeyondAscii(const uint8_t *src, size_t i, size_t stop, size_t size, char16_t *dst,
+                            size_t &o) {
+  do
+    i = DecodeSequences(src, i, i + 1, size, dst, o);
+  while (i < stop && src[i] >= 0x80);
+  return i;
+}
 
 // Each round widens 16 bytes; as many units count as the bytes before the
 // first one beyond ASCII, which the rules take with the rest of its run.
@@ -261,9 +261,8 @@ KESTREL_AVX2 inline void Widen16(const uint8_t *src, char16_t *dst) {
 // the byte before it shifted by 6, and a three-byte lead's 4 bits by 12.
 KESTREL_AVX2 inline __m128i DecodeWindow(const uint8_t *src, __m128i shuffle) {
   const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(src));
-  const __m128i payloadMasks =
-      _mm_setr_epi8(0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x3F, 0x3F, 0x3F, 0x3F, 0x1F,
-                    0x1F, 0x0F, 0x07);
+  const __m128i payloadMasks = _mm_setr_epi8(0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x3F,
+                                             0x3F, 0x3F, 0x3F, 0x1F, 0x1F, 0x0F, 0x07);
   const __m128i nibble = _mm_and_si128(_mm_srli_epi16(v, 4), _mm_set1_epi8(0x0F));
   const __m128i payload = _mm_and_si128(v, _mm_shuffle_epi8(payloadMasks, nibble));
   // The low 4 bits of the three-byte leads, 0 for every other byte.
@@ -271,16 +270,14 @@ KESTREL_AVX2 inline __m128i DecodeWindow(const uint8_t *src, __m128i shuffle) {
   const __m128i lead3 = _mm_and_si128(isLead3, _mm_and_si128(v, _mm_set1_epi8(0x0F)));
   // The lead of a three-byte form stands before the byte in the high half;
   // for any other form that byte is no three-byte lead, or before the window.
-  const __m128i before =
-      _mm_or_si128(_mm_sub_epi16(shuffle, _mm_set1_epi16(0x0100)),
-                   _mm_or_si128(_mm_and_si128(shuffle, _mm_set1_epi16(short(0x8000))),
-                                _mm_set1_epi16(0x0080)));
+  const __m128i before = _mm_or_si128(
+      _mm_sub_epi16(shuffle, _mm_set1_epi16(0x0100)),
+      _mm_or_si128(_mm_and_si128(shuffle, _mm_set1_epi16(short(0x8000))), _mm_set1_epi16(0x0080)));
   const __m128i x = _mm_shuffle_epi8(payload, shuffle);
   const __m128i y = _mm_shuffle_epi8(lead3, before);
-  return _mm_or_si128(
-      _mm_or_si128(_mm_and_si128(x, _mm_set1_epi16(0x7F)),
-                   _mm_and_si128(_mm_srli_epi16(x, 2), _mm_set1_epi16(0x0FC0))),
-      _mm_and_si128(_mm_slli_epi16(y, 4), _mm_set1_epi16(short(0xF000))));
+  return _mm_or_si128(_mm_or_si128(_mm_and_si128(x, _mm_set1_epi16(0x7F)),
+                                   _mm_and_si128(_mm_srli_epi16(x, 2), _mm_set1_epi16(0x0FC0))),
+                      _mm_and_si128(_mm_slli_epi16(y, 4), _mm_set1_epi16(short(0xF000))));
 }
 
 // One bit per byte of 64: bytes whose top bits are Top (under Mask).
@@ -301,9 +298,8 @@ KESTREL_AVX2 size_t DecodeAvx2(const uint8_t *src, size_t i, size_t stop, size_t
   while (i < stop && size - i >= 80) { // a block and the 16 bytes a last window may read
     const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src + i));
     const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(src + i + 32));
-    const uint64_t beyond =
-        uint64_t(uint32_t(_mm256_movemask_epi8(a))) | uint64_t(uint32_t(_mm256_movemask_epi8(b)))
-                                                          << 32;
+    const uint64_t beyond = uint64_t(uint32_t(_mm256_movemask_epi8(a))) |
+                            uint64_t(uint32_t(_mm256_movemask_epi8(b))) << 32;
     if (beyond == 0) {
       for (size_t k = 0; k < 64; k += 16)
         Widen16(src + i + k, dst + o + k);

@@ -29,15 +29,22 @@ std::string Piece(std::mt19937 &rng) {
   auto byte = [&](int lo, int hi) { return char(lo + int(rng() % unsigned(hi - lo + 1))); };
   std::string s;
   switch (rng() % 16) {
-  case 0: case 1: case 2: case 3: // a run of ASCII
+  case 0:
+  case 1:
+  case 2:
+  case 3: // a run of ASCII
     for (int n = 1 + int(rng() % 40); n > 0; --n)
       s += byte(0x00, 0x7F);
     break;
-  case 4: case 5: case 6: // two-byte forms, overlong ones (C0, C1) included
+  case 4:
+  case 5:
+  case 6: // two-byte forms, overlong ones (C0, C1) included
     for (int n = 1 + int(rng() % 8); n > 0; --n)
       s += {byte(0xC0, 0xDF), byte(0x80, 0xBF)};
     break;
-  case 7: case 8: case 9: // three-byte forms, encoded surrogate halves included
+  case 7:
+  case 8:
+  case 9: // three-byte forms, encoded surrogate halves included
     for (int n = 1 + int(rng() % 6); n > 0; --n)
       s += {byte(0xE0, 0xEF), byte(0x80, 0xBF), byte(0x80, 0xBF)};
     break;
@@ -108,9 +115,10 @@ TEST(Utf8FastPath, RandomTextsDecodeAsByTheRules) {
 TEST(Utf8FastPath, OneOddByteAtEveryPosition) {
   std::string base;
   for (int i = 0; base.size() < 200; ++i)
-    base += i % 4 == 0 ? "word " : i % 4 == 1 ? "\xD1\x81\xD0\xBB\xD0\xBE\xD0\xB2\xD0\xBE "
-            : i % 4 == 2                      ? "\xE4\xB8\xAD\xE6\x96\x87,"
-                                              : "caf\xC3\xA9 ";
+    base += i % 4 == 0   ? "word "
+            : i % 4 == 1 ? "\xD1\x81\xD0\xBB\xD0\xBE\xD0\xB2\xD0\xBE "
+            : i % 4 == 2 ? "\xE4\xB8\xAD\xE6\x96\x87,"
+                         : "caf\xC3\xA9 ";
   const char odd[] = {'\x80', '\xBF', '\xC3', '\xE4', '\xF0', '\xF8', '\xFC', '\xFF'};
   for (char b : odd)
     for (size_t at = 0; at < base.size(); ++at) {
