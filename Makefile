@@ -1,16 +1,18 @@
 # Quick start (a fresh Debian machine, as root):
 #   make demo   - installs what is missing, builds, runs the main job on the sample corpus
-#   make test   - installs what is missing, builds, runs every test (plain, then ASan+UBSan)
+#   make test   - installs what is missing, builds, runs every test (gcc, clang, then
+#                 ASan+UBSan), with warnings as errors
 
 PACKAGES := build-essential cmake pkg-config libicu-dev libzip-dev libgtest-dev \
-            libbenchmark-dev libpcre2-dev zip unzip
+            libbenchmark-dev libpcre2-dev zip unzip clang
 JOBS     ?= $(shell nproc 2>/dev/null || echo 2)
 BUILD    ?= build
 ASAN     ?= build-asan
+CLANG    ?= build-clang
 BENCHDIR ?= build-bench
 KESTREL   = $(BUILD)/tools/kestrel
 
-.PHONY: all deps build test test-plain test-asan demo bench format clean
+.PHONY: all deps build test test-plain test-clang test-asan demo bench format clean
 
 all: build
 
@@ -30,16 +32,26 @@ $(BUILD)/CMakeCache.txt: | deps
 build: deps $(BUILD)/CMakeCache.txt
 	cmake --build $(BUILD) -j $(JOBS)
 
-test-plain: build
+test-plain: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKESTREL_WERROR=ON
+	cmake --build $(BUILD) -j $(JOBS)
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
+# The second compiler: clang, unoptimised and without debug data (it builds
+# fastest so), warnings as errors.
+test-clang: deps
+	cmake -S . -B $(CLANG) -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug \
+	  -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DKESTREL_WERROR=ON
+	cmake --build $(CLANG) -j $(JOBS)
+	cd $(CLANG) && ctest --output-on-failure -j $(JOBS)
+
 test-asan: deps
-	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DKESTREL_SANITIZE=ON
+	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DKESTREL_SANITIZE=ON -DKESTREL_WERROR=ON
 	cmake --build $(ASAN) -j $(JOBS)
 	cd $(ASAN) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j $(JOBS)
 
-test: test-plain test-asan
+test: test-plain test-clang test-asan
 
 demo: build
 	@sh tools/demo.sh $(KESTREL)
@@ -53,7 +65,7 @@ format:
 	find kestrel tests tools bench -name '*.h' -o -name '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN) $(BENCHDIR)
+	rm -rf $(BUILD) $(ASAN) $(CLANG) $(BENCHDIR)
 
 # ---- Install, Debian package, install test ----------------------------------
 # make install PREFIX=/opt/kestrel   (DESTDIR is honoured as well)

@@ -3,6 +3,10 @@
 // property class and a case-folded word; and the compile of a bounded group.
 // Our matcher runs one pass without backtracking, so the peers may find other
 // (leftmost-longest) matches: the counts are printed beside the times.
+//
+// Groups "Longest.*": TURELongestMatch (every leftmost-longest match, as
+// grep -E -o) on the same cases and on a*b over a megabyte of "a", beside
+// PCRE2 JIT (leftmost-first) and the one-pass engine.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -11,6 +15,7 @@
 
 #include <unicode/uregex.h>
 
+#include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
 #ifdef KESTREL_HAVE_PCRE2
@@ -77,9 +82,26 @@ const Case Cases[] = {
     {"Regex.CaseFolded", u"river", u"river", true},
 };
 
-void Ours(benchmark::State &state, const Case &c) {
-  const std::u16string &text = BenchText();
-  kestrel::TURESearch engine;
+const Case LongestCases[] = {
+    {"Longest.Literal", u"language", u"language", false},
+    {"Longest.ClassRun", u"[a-z]+ing", u"[a-z]+ing", false},
+    {"Longest.Alternation", u"house|water|little|people|number",
+     u"house|water|little|people|number", false},
+    {"Longest.Property", u"\\p10[a-z]+", u"\\p{Lu}[a-z]+", false},
+    {"Longest.CaseFolded", u"river", u"river", true},
+    {"Longest.Optional", u"colou?r", u"colou?r", false},
+    {"Longest.NoMatchAStarB", u"a*b", u"a*b", false},
+};
+
+// The text of a case: a megabyte of "a" for the a*b case, else BenchText.
+const std::u16string &TextFor(const Case &c) {
+  static const std::u16string as(1u << 20, u'a');
+  return c.ours == u"a*b" ? as : BenchText();
+}
+
+template <typename Engine> void Ours(benchmark::State &state, const Case &c) {
+  const std::u16string &text = TextFor(c);
+  Engine engine;
   engine.FindPrepare(c.ours, c.fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
   uint32_t count = 0;
   for (auto _ : state) {
@@ -93,7 +115,7 @@ void Ours(benchmark::State &state, const Case &c) {
 
 #ifdef KESTREL_HAVE_PCRE2
 void Pcre2(benchmark::State &state, const Case &c) {
-  const std::u16string &text = BenchText();
+  const std::u16string &text = TextFor(c);
   int error = 0;
   PCRE2_SIZE offset = 0;
   uint32_t options = PCRE2_UTF | PCRE2_NO_UTF_CHECK | (c.fold ? PCRE2_CASELESS : 0);
@@ -187,13 +209,24 @@ void CompileIcu(benchmark::State &state) {
 [[maybe_unused]] const bool Registered = [] {
   for (const Case &c : Cases) {
     std::string group = c.name;
-    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), Ours, c)
+    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), Ours<kestrel::TURESearch>, c)
         ->Unit(benchmark::kMillisecond);
 #ifdef KESTREL_HAVE_PCRE2
     benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), Pcre2, c)
         ->Unit(benchmark::kMillisecond);
 #endif
     benchmark::RegisterBenchmark((group + "/icu").c_str(), Icu, c)->Unit(benchmark::kMillisecond);
+  }
+  for (const Case &c : LongestCases) {
+    std::string group = c.name;
+    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), Ours<kestrel::TURELongestMatch>, c)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark((group + "/one-pass").c_str(), Ours<kestrel::TURESearch>, c)
+        ->Unit(benchmark::kMillisecond);
+#ifdef KESTREL_HAVE_PCRE2
+    benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), Pcre2, c)
+        ->Unit(benchmark::kMillisecond);
+#endif
   }
   benchmark::RegisterBenchmark("Regex.CompileBound/kestrel", CompileOurs)
       ->Unit(benchmark::kMicrosecond);

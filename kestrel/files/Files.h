@@ -2,4 +2,5 @@
 #pragma once
 
 #include <kestrel/files/PeruseDir.h>
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/files/myFileStreamU.h>

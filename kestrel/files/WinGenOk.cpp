@@ -1,5 +1,4 @@
-// Unit WinGenOk: the start-up pair and its count. The unit's state is set up here
-// as its parts are built.
+// Unit WinGenOk: its start-up and finalisation do no work.
 #include <kestrel/frame/Units.h>
 
 KESTREL_DEFINE_UNIT(WinGenOk, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

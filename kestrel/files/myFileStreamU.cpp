@@ -12,7 +12,7 @@
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/myKpSmall.h>
 #include <kestrel/frame/platform/TempPath.h>
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
 namespace kestrel {
 

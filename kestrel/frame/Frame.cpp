@@ -15,8 +15,12 @@ namespace {
 // units: here they only count.
 std::array<UnitStartCount, kStartupRows> gHostCounts;
 
-template <int Row> void HostStart() { gHostCounts[Row].StartUp(); }
-template <int Row> void HostStop() { gHostCounts[Row].Finish(); }
+template <int Row> void HostStart() {
+  gHostCounts[Row].StartUp();
+}
+template <int Row> void HostStop() {
+  gHostCounts[Row].Finish();
+}
 
 struct OwnUnit {
   int32_t row;
@@ -24,19 +28,8 @@ struct OwnUnit {
   TUnitProc init, finit;
 };
 
-#define KESTREL_OWN(row, Unit) {row, #Unit, &Unit::initialization, &Unit::Finalization}
-constexpr OwnUnit kOwnUnits[] = {
-    KESTREL_OWN(14, myKpSmall),          KESTREL_OWN(17, Unicode),
-    KESTREL_OWN(18, WinGenOk),           KESTREL_OWN(19, bare_assemb_types),
-    KESTREL_OWN(20, my_types),           KESTREL_OWN(72, myFileStreamU),
-    KESTREL_OWN(73, Wdef),               KESTREL_OWN(76, myMasks),
-    KESTREL_OWN(77, PeruseDir),          KESTREL_OWN(78, bare_assemb),
-    KESTREL_OWN(79, file_utils),         KESTREL_OWN(80, myStreamMemLists),
-    KESTREL_OWN(81, logging_utilities),  KESTREL_OWN(82, inifileU2),
-    KESTREL_OWN(83, locale_utilities),   KESTREL_OWN(84, LemmaStopMatchTypes),
-    KESTREL_OWN(85, my_consts),          KESTREL_OWN(86, language_detailsU),
-    KESTREL_OWN(87, SortableLists),
-};
+#define KESTREL_OWN(row, Unit) {row, #Unit, &Unit::initialization, &Unit::Finalization},
+constexpr OwnUnit kOwnUnits[] = {KESTREL_UNIT_ROWS(KESTREL_OWN)};
 #undef KESTREL_OWN
 
 template <size_t... Rows>
@@ -56,11 +49,19 @@ TLibModule gLibModule{};
 
 } // namespace
 
-PackageInfo GetPackageInfoTable() { return &kTable; }
-TLibModule &KestrelLibModule() { return gLibModule; }
+PackageInfo GetPackageInfoTable() {
+  return &kTable;
+}
+TLibModule &KestrelLibModule() {
+  return gLibModule;
+}
 
-void Initialize() { PackageLoad(&kTable, &gLibModule); }
-void Finalize() { PackageUnload(&kTable, &gLibModule); }
+void Initialize() {
+  PackageLoad(&kTable, &gLibModule);
+}
+void Finalize() {
+  PackageUnload(&kTable, &gLibModule);
+}
 
 int32_t LibraryEntry(HMODULE module, uint32_t reason, void *) {
   if (reason == DLL_PROCESS_ATTACH) {
@@ -78,8 +79,7 @@ int32_t LibraryEntry(HMODULE module, uint32_t reason, void *) {
 
 const char *StartupRowName(int32_t row) {
   for (const OwnUnit &u : kOwnUnits)
-    if (u.row == row)
-      return u.name;
+    if (u.row == row) return u.name;
   switch (row) {
   case 0:
     return "SysInit";

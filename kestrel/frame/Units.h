@@ -1,35 +1,38 @@
 // The start-up and finalisation of each of the library's own units, in the
-// order of their rows in the start-up table.
+// order of their rows in the start-up table, and the way a unit defines them.
 #pragma once
 
 #include <kestrel/frame/host/Package.h>
 
-#define KESTREL_UNIT_ENTRIES(Unit)                                                                 \
+// The library's own rows of the start-up table: row number and unit. The one
+// list of them; the entries below and the table in Frame.cpp are made from it.
+#define KESTREL_UNIT_ROWS(X)                                                                       \
+  X(14, myKpSmall)                                                                                 \
+  X(17, Unicode)                                                                                   \
+  X(18, WinGenOk)                                                                                  \
+  X(19, bare_assemb_types)                                                                         \
+  X(20, my_types)                                                                                  \
+  X(72, myFileStreamU)                                                                             \
+  X(73, Wdef)                                                                                      \
+  X(76, myMasks)                                                                                   \
+  X(77, PeruseDir)                                                                                 \
+  X(78, bare_assemb)                                                                               \
+  X(79, file_utils)                                                                                \
+  X(80, myStreamMemLists)                                                                          \
+  X(81, logging_utilities)                                                                         \
+  X(82, inifileU2)                                                                                 \
+  X(83, locale_utilities)                                                                          \
+  X(84, LemmaStopMatchTypes)                                                                       \
+  X(85, my_consts)                                                                                 \
+  X(86, language_detailsU)                                                                         \
+  X(87, SortableLists)
+
+#define KESTREL_UNIT_ENTRIES(Row, Unit)                                                            \
   namespace kestrel::Unit {                                                                        \
   void initialization();                                                                           \
   void Finalization();                                                                             \
   }
-
-KESTREL_UNIT_ENTRIES(myKpSmall)           // row 14
-KESTREL_UNIT_ENTRIES(Unicode)             // row 17
-KESTREL_UNIT_ENTRIES(WinGenOk)            // row 18
-KESTREL_UNIT_ENTRIES(bare_assemb_types)   // row 19
-KESTREL_UNIT_ENTRIES(my_types)            // row 20
-KESTREL_UNIT_ENTRIES(myFileStreamU)       // row 72
-KESTREL_UNIT_ENTRIES(Wdef)                // row 73
-KESTREL_UNIT_ENTRIES(myMasks)             // row 76
-KESTREL_UNIT_ENTRIES(PeruseDir)           // row 77
-KESTREL_UNIT_ENTRIES(bare_assemb)         // row 78
-KESTREL_UNIT_ENTRIES(file_utils)          // row 79
-KESTREL_UNIT_ENTRIES(myStreamMemLists)    // row 80
-KESTREL_UNIT_ENTRIES(logging_utilities)   // row 81
-KESTREL_UNIT_ENTRIES(inifileU2)           // row 82
-KESTREL_UNIT_ENTRIES(locale_utilities)    // row 83
-KESTREL_UNIT_ENTRIES(LemmaStopMatchTypes) // row 84
-KESTREL_UNIT_ENTRIES(my_consts)           // row 85
-KESTREL_UNIT_ENTRIES(language_detailsU)   // row 86
-KESTREL_UNIT_ENTRIES(SortableLists)       // row 87
-
+KESTREL_UNIT_ROWS(KESTREL_UNIT_ENTRIES)
 #undef KESTREL_UNIT_ENTRIES
 
 // Defines a unit's start-up pair around its start-up count. Start and Stop
@@ -40,12 +43,10 @@ KESTREL_UNIT_ENTRIES(SortableLists)       // row 87
   ::kestrel::UnitStartCount gStartCount;                                                           \
   }                                                                                                \
   void initialization() {                                                                          \
-    if (gStartCount.StartUp())                                                                     \
-      Start();                                                                                     \
+    if (gStartCount.StartUp()) Start();                                                            \
   }                                                                                                \
   void Finalization() {                                                                            \
-    if (gStartCount.Finish())                                                                      \
-      Stop();                                                                                      \
+    if (gStartCount.Finish()) Stop();                                                              \
   }                                                                                                \
   }
 

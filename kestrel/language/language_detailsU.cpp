@@ -1,5 +1,4 @@
-// Unit language_detailsU: the start-up pair and its count. The unit's state is set up here
-// as its parts are built.
+// Unit language_detailsU: its start-up and finalisation do no work.
 #include <kestrel/frame/Units.h>
 
 KESTREL_DEFINE_UNIT(language_detailsU, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

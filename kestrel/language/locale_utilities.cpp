@@ -1,5 +1,4 @@
-// Unit locale_utilities: the start-up pair and its count. The unit's state is set up here
-// as its parts are built.
+// Unit locale_utilities: its start-up and finalisation do no work.
 #include <kestrel/frame/Units.h>
 
 KESTREL_DEFINE_UNIT(locale_utilities, ::kestrel::NoUnitWork, ::kestrel::NoUnitWork)

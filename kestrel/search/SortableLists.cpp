@@ -1,4 +1,4 @@
-// Unit SortableLists: its start-up and finalisation do no work.
+// Unit SortableLists: TSortList; its start-up and finalisation do no work.
 #include <kestrel/search/SortableLists.h>
 
 #include <vector>

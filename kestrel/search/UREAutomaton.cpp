@@ -40,49 +40,6 @@ void TURESearch::PushCopies(uint32_t State, uint32_t Count) {
   }
 }
 
-namespace {
-
-bool IsDigitUnit(char16_t c) {
-  return c >= u'0' && c <= u'9';
-}
-
-} // namespace
-
-// Reads the bounds behind a `{`. The end of the pattern ends a number or the
-// white space like any unit that is neither.
-uint32_t TURESearch::ParseBounds(const char16_t *Text, uint32_t Limit, uint32_t &Min,
-                                 uint32_t &Max) {
-  uint32_t used = 0;
-  auto skipBlanks = [&] {
-    while (used < Limit && UnicodeIsWhiteSpace(Text[used]))
-      ++used;
-  };
-  auto number = [&]() -> uint32_t {
-    std::string digits;
-    while (used < Limit && IsDigitUnit(Text[used]))
-      digits += char(Text[used++]);
-    return digits.empty() ? 0 : uint32_t(StrToInt(digits));
-  };
-  skipBlanks();
-  Min = number();
-  skipBlanks();
-  if (used < Limit && Text[used] == u',') {
-    ++used;
-    skipBlanks();
-    Max = number();
-    if (used < Limit && Text[used] == u'}')
-      ++used;
-    else
-      UREBuffer.Error = ErrRangeOpen;
-  } else if (used < Limit && Text[used] == u'}') {
-    ++used;
-    Max = Min;
-  } else {
-    UREBuffer.Error = ErrBadRange;
-  }
-  return used;
-}
-
 void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
   if (Max != 0 && Min > Max) {
     UREBuffer.Error = ErrBadRange;
@@ -525,10 +482,9 @@ void TURESearch::RaiseError(const char16_t *Pattern, uint32_t PatternLength, uin
   throw Exception(Format(prefix.c_str(), pattern.c_str()) + LoadResString(Ident));
 }
 
-void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
-  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return;
+uint32_t TURESearch::ParseURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
+  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return NoExpression;
   ClearUREBuffer();
-  ClearDFA();
   FWorkLeft = CompileWorkLimit;
   FMissingOperand = false;
   UREBuffer.Flags = BlankLine | (CaseFold ? FoldCase : 0);
@@ -537,6 +493,13 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     if (UREBuffer.Error == 0) throw Exception(LoadResString(SUREExpressionEmpty));
     RaiseError(Pattern, PatternLength, ErrorIdent(UREBuffer.Error));
   }
+  return start;
+}
+
+void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold) {
+  if (Pattern == nullptr || PatternLength == 0 || Pattern[0] == 0) return;
+  ClearDFA();
+  uint32_t start = ParseURE(Pattern, PatternLength, CaseFold);
   Reduce(start);
   if (UREBuffer.Error == 0) MergeEquivalents();
   if (UREBuffer.Error != 0) RaiseError(Pattern, PatternLength, ErrorIdent(UREBuffer.Error));
@@ -569,7 +532,7 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     }
     ++k;
   }
-  BuildFastTables();
+  PrepareScan();
 }
 
 } // namespace kestrel

@@ -1,14 +1,9 @@
 // The matcher of TURESearch: one forward pass over the text through the flat
-// automaton, with no backtracking. After a compile, lookup tables answer
-// "which transition wins on this unit" without walking the symbols; they are
-// built from the same symbol tests, so every result stays the same.
+// automaton, with no backtracking. Where the flags allow, the accelerator
+// (TUREFastScan) answers "which transition wins on this unit" without walking
+// the symbols; it is built from the same symbol test, so every result stays
+// the same.
 #include <algorithm>
-#include <bitset>
-#include <mutex>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
 
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
@@ -19,43 +14,11 @@ namespace kestrel {
 
 namespace {
 
-// The index in the character database of each property number (bit).
-constexpr int PropertyIndex[32] = {0,  1,  3,  5,  6,  7,  8,  9,  12, 14, 15, 16, 17, 18, 20, 21,
-                                   22, 23, 24, 25, 26, 27, 28, 29, 30, 32, 33, 34, 35, 36, 37, 38};
-
 constexpr uint32_t Unset = 0xFFFFFFFF; // MS and ME before they are set
-constexpr int32_t NoTarget = -1;       // no symbol accepts
-constexpr int32_t Anchored = -2;       // a separator: anchors may accept
-constexpr uint32_t StepTableMaxStates = 1024;
-constexpr uint32_t DecisionCacheSize = 4096;
+constexpr int32_t NoTarget = TUREFastScan::NoTarget;
+constexpr int32_t Anchored = TUREFastScan::Anchored;
 
 } // namespace
-
-TURESearch::TURESearch(TWideStrings *AOwner) : TSearchEngine(AOwner) {}
-
-TURESearch::~TURESearch() {
-  TURESearch::Clear();
-}
-
-void TURESearch::Clear() {
-  TSearchEngine::Clear();
-  ClearUREBuffer();
-  ClearDFA();
-}
-
-void TURESearch::ClearDFA() {
-  DFA = TDFA{};
-  ClearFastTables();
-}
-
-void TURESearch::FindPrepare(const std::u16string &Pattern, TSearchFlags Flags) {
-  CompileURE(Pattern.c_str(), uint32_t(Pattern.size()),
-             !Flags.Contains(TSearchFlag::sfCaseSensitive));
-}
-
-void TURESearch::FindPrepare(const char16_t *Pattern, uint32_t PatternLength, TSearchFlags Flags) {
-  CompileURE(Pattern, PatternLength, !Flags.Contains(TSearchFlag::sfCaseSensitive));
-}
 
 bool TURESearch::FindFirst(const std::u16string &Text, uint32_t &Start, uint32_t &Stop) {
   return FindFirst(Text.c_str(), uint32_t(Text.size()), Start, Stop);
@@ -104,14 +67,18 @@ bool TURESearch::FindAll(const char16_t *Text, uint32_t TextLen) {
   return GetCount() > 0;
 }
 
-bool TURESearch::MatchesProperties(uint32_t Props, UCS4 C) const {
+bool UREMatchesProperties(uint32_t Props, UCS4 C) {
   for (int bit = 0; bit < 32; ++bit)
     if ((Props >> bit) & 1u)
-      if (UnicodeLookupProperty(C, PropertyIndex[bit])) return true;
+      if (UnicodeLookupProperty(C, UREPropertyIndex[bit])) return true;
   return false;
 }
 
-bool TURESearch::SymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS4 C) const {
+bool TURESearch::MatchesProperties(uint32_t Props, UCS4 C) const {
+  return UREMatchesProperties(Props, C);
+}
+
+bool URESymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS4 C) {
   switch (Sym.SymbolType) {
   case AnyCharSymbol:
     return (Flags & DotMatchesAll) != 0 || !IsLineSeparator(C);
@@ -120,7 +87,7 @@ bool TURESearch::SymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS
   case ClassSymbol:
   case NegatedClassSymbol: {
     bool result = false;
-    if (Sym.Props != 0) result = MatchesProperties(Sym.Props, C);
+    if (Sym.Props != 0) result = UREMatchesProperties(Sym.Props, C);
     const TCClass &ccl = Sym.Symbol.CCL;
     for (int32_t i = 0; i < ccl.RangesUsed && !result; ++i)
       if (C >= ccl.Ranges[i].Low && C <= ccl.Ranges[i].High) result = true;
@@ -167,231 +134,22 @@ int32_t TURESearch::TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const c
       }
       continue;
     }
-    if (SymbolAccepts(sym, Flags, C)) return int32_t(tr.NextState);
+    if (URESymbolAccepts(sym, Flags, C)) return int32_t(tr.NextState);
   }
   SymbolType = 0;
   return NoTarget;
 }
 
-// The winning transition on C in state Cur where no anchor can accept: not at
-// the first unit of a text, C no line separator, flags 0.
-int32_t TURESearch::Decide(uint32_t Cur, UCS4 C) {
-  UCS4 f = (DFA.Flags & FoldCase) ? UnicodeToLower(C) : C;
-  const TDFAState &st = DFA.StateList.States[Cur];
-  for (uint32_t i = st.NumberTransitions; i-- > 0;) {
-    const TTransition &tr = DFA.TransitionList.Transitions[st.StartTransition + i];
-    if (SymbolAccepts(DFA.SymbolTable.Symbols[tr.Symbol], 0, f)) return int32_t(tr.NextState);
-  }
-  return NoTarget;
-}
-
-void TURESearch::ClearFastTables() {
-  FStartLow.clear();
-  FStartSpan.clear();
-  FStartUnitsKnown = false;
-  FStartSkipsHigh = false;
-  FStep.clear();
-  FDecisions.clear();
+// The tables of a compiled automaton: the guard against `^` loops, and the
+// accelerator's.
+void TURESearch::PrepareScan() {
   FAnchorVisit.clear();
   FAnchorStamp = 0;
-}
-
-void TURESearch::BuildFastTables() {
-  ClearFastTables();
-  const uint32_t n = DFA.StateList.StatesUsed;
-  if (n == 0) return;
   for (uint32_t s = 0; s < DFA.SymbolTable.SymbolsUsed; ++s)
-    if (DFA.SymbolTable.Symbols[s].SymbolType == LineStartSymbol) FAnchorVisit.assign(n, 0);
-  FDecisions.assign(DecisionCacheSize, TDecisionCache{});
-  if (n > StepTableMaxStates) return;
-  FStep.resize(size_t(n) * 256);
-  for (uint32_t s = 0; s < n; ++s)
-    for (UCS4 c = 0; c < 256; ++c)
-      FStep[s * 256 + c] = (c == 0x0A || c == 0x0D) ? Anchored : Decide(s, c);
-  FindStartUnits();
+    if (DFA.SymbolTable.Symbols[s].SymbolType == LineStartSymbol)
+      FAnchorVisit.assign(DFA.StateList.StatesUsed, 0);
+  FFastScan.Build(DFA);
 }
-
-namespace {
-
-// The units below 256 that are the lower-case form of some character from
-// U+0100 up (the dotted I, the Kelvin and Angstrom signs...). The case table
-// maps nothing above U+FFFF, so the basic plane is all there is to look at.
-const std::bitset<256> &FoldTargetsBelow256() {
-  static std::bitset<256> targets;
-  static std::once_flag once;
-  std::call_once(once, [] {
-    for (UCS4 c = 0x100; c < 0x10000; ++c)
-      if (c < 0xD800 || c > 0xDFFF)
-        if (UCS4 l = UnicodeToLower(c); l < 256) targets.set(l);
-  });
-  return targets;
-}
-
-} // namespace
-
-// Whether some code point from 256 up, folded as the scan folds it, could be
-// accepted by the symbol.
-bool TURESearch::MayAcceptAbove255(const TSymbolTableEntry &Sym) const {
-  const bool fold = (DFA.Flags & FoldCase) != 0;
-  switch (Sym.SymbolType) {
-  case CharSymbol:
-    return Sym.Symbol.Chr >= 256 || (fold && FoldTargetsBelow256().test(Sym.Symbol.Chr));
-  case ClassSymbol: {
-    if (Sym.Props != 0) return true;
-    const TCClass &ccl = Sym.Symbol.CCL;
-    for (int32_t i = 0; i < ccl.RangesUsed; ++i) {
-      if (ccl.Ranges[i].High >= 256) return true;
-      if (fold)
-        for (UCS4 c = ccl.Ranges[i].Low; c <= ccl.Ranges[i].High; ++c)
-          if (FoldTargetsBelow256().test(c)) return true;
-    }
-    return false;
-  }
-  default: // the dot, negated classes, anchors
-    return true;
-  }
-}
-
-void TURESearch::FindStartUnits() {
-  if (DFA.StateList.States[0].Accepting) return;
-  const TDFAState &st = DFA.StateList.States[0];
-  bool high = false;
-  for (uint32_t i = 0; i < st.NumberTransitions && !high; ++i)
-    high = MayAcceptAbove255(
-        DFA.SymbolTable.Symbols[DFA.TransitionList.Transitions[st.StartTransition + i].Symbol]);
-  FStartSkipsHigh = !high;
-  // The units that may begin a match, as ranges of consecutive units.
-  std::vector<uint16_t> low, span;
-  for (UCS4 c = 0; c < 256; ++c) {
-    int32_t target = FStep[c];
-    if (target == Anchored && !high) // no anchor in the start state
-      target = Decide(0, c);
-    if (target == NoTarget) continue;
-    if (!low.empty() && low.back() + span.back() + 1 == int(c)) {
-      ++span.back();
-    } else {
-      low.push_back(uint16_t(c));
-      span.push_back(0);
-    }
-  }
-  if (low.size() <= 8) {
-    FStartLow = std::move(low);
-    FStartSpan = std::move(span);
-    FStartUnitsKnown = true;
-  }
-}
-
-namespace {
-
-// Finds the first unit in one of the ranges [Low[i], Low[i] + Span[i]].
-using TStartFinder = const char16_t *(*)(const char16_t *, const char16_t *, const uint16_t *,
-                                         const uint16_t *, size_t);
-
-const char16_t *FindStartPlain(const char16_t *Run, const char16_t *End, const uint16_t *Low,
-                               const uint16_t *Span, size_t K) {
-  for (; Run < End; ++Run)
-    for (size_t i = 0; i < K; ++i)
-      if (uint16_t(*Run - Low[i]) <= Span[i]) return Run;
-  return End;
-}
-
-#if defined(__x86_64__) || defined(__i386__)
-const char16_t *FindStartSse2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
-                              const uint16_t *Span, size_t K) {
-  __m128i low[8], span[8];
-  for (size_t i = 0; i < K; ++i) {
-    low[i] = _mm_set1_epi16(short(Low[i]));
-    span[i] = _mm_set1_epi16(short(Span[i]));
-  }
-  const __m128i zero = _mm_setzero_si128();
-  while (End - Run >= 8) {
-    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run));
-    __m128i hit = zero;
-    for (size_t i = 0; i < K; ++i) // unit - low, saturated against the span, is 0 inside
-      hit = _mm_or_si128(hit,
-                         _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(v, low[i]), span[i]), zero));
-    if (int mask = _mm_movemask_epi8(hit)) return Run + (__builtin_ctz(unsigned(mask)) >> 1);
-    Run += 8;
-  }
-  return FindStartPlain(Run, End, Low, Span, K);
-}
-
-// Up to Cap ranges stay in registers; with Cap known at compile time for a
-// few ranges the loop over them unrolls.
-template <size_t Cap>
-__attribute__((target("avx2"))) const char16_t *
-FindStartAvx2K(const char16_t *Run, const char16_t *End, const uint16_t *Low, const uint16_t *Span,
-               size_t K = Cap) {
-  __m256i low[Cap], span[Cap];
-  for (size_t i = 0; i < K; ++i) {
-    low[i] = _mm256_set1_epi16(short(Low[i]));
-    span[i] = _mm256_set1_epi16(short(Span[i]));
-  }
-  const __m256i zero = _mm256_setzero_si256();
-  while (End - Run >= 16) {
-    __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run));
-    __m256i hit = zero;
-    for (size_t i = 0; i < K; ++i)
-      hit = _mm256_or_si256(
-          hit, _mm256_cmpeq_epi16(_mm256_subs_epu16(_mm256_sub_epi16(v, low[i]), span[i]), zero));
-    if (unsigned mask = unsigned(_mm256_movemask_epi8(hit)))
-      return Run + (__builtin_ctz(mask) >> 1);
-    Run += 16;
-  }
-  return FindStartSse2(Run, End, Low, Span, K);
-}
-
-const char16_t *FindStartAvx2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
-                              const uint16_t *Span, size_t K) {
-  switch (K) {
-  case 1:
-    return FindStartAvx2K<1>(Run, End, Low, Span);
-  case 2:
-    return FindStartAvx2K<2>(Run, End, Low, Span);
-  case 3:
-    return FindStartAvx2K<3>(Run, End, Low, Span);
-  case 4:
-    return FindStartAvx2K<4>(Run, End, Low, Span);
-  default:
-    return FindStartAvx2K<8>(Run, End, Low, Span, K);
-  }
-}
-
-// Chosen while the library loads, before the CPU model may have been read.
-TStartFinder ChooseStartFinder() {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") ? FindStartAvx2 : FindStartSse2;
-}
-#else
-TStartFinder ChooseStartFinder() {
-  return FindStartPlain;
-}
-#endif
-
-const TStartFinder FindStart = ChooseStartFinder();
-
-} // namespace
-
-// The first unit from Run on that may begin a match, in the start state and
-// away from the first unit of the text; End if there is none.
-const char16_t *TURESearch::SkipToStart(const char16_t *Run, const char16_t *End) const {
-  if (FStartUnitsKnown && FStartSkipsHigh)
-    return FindStart(Run, End, FStartLow.data(), FStartSpan.data(), FStartLow.size());
-  while (Run < End) {
-    char16_t u = *Run;
-    if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh) return Run;
-    ++Run;
-  }
-  return End;
-}
-
-namespace {
-
-inline uint32_t DecisionSlot(uint32_t state, UCS4 c) {
-  return ((c * 0x9E3779B1u) ^ (state * 0x85EBCA77u)) >> 20; // 12 bits
-}
-
-} // namespace
 
 // The end of the text reached by an accepted character: the match holds if
 // the state accepts, or if its first `$` transition leads to a state that does.
@@ -430,8 +188,9 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
     std::fill(FAnchorVisit.begin(), FAnchorVisit.end(), 0);
     FAnchorStamp = 1;
   }
-  const bool fast = Fast && Flags == 0 && !FDecisions.empty();
-  const bool useStep = fast && !FStep.empty();
+  const bool fast = Fast && Flags == 0 && FFastScan.Ready();
+  const int32_t *const step = FFastScan.StepTable();
+  const bool useStep = fast && step != nullptr;
   const bool skipStart = useStep && !states.States[0].Accepting;
   const bool fold = (DFA.Flags & FoldCase) != 0;
   const char16_t *const end = Text + TextLen;
@@ -439,13 +198,12 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
   uint32_t ms = Unset, me = Unset, cur = 0;
   bool found = false;
 
-  const int32_t *const step = FStep.data();
   while (!found && run < end) {
     if (useStep && run != Text) {
       // Units below 256 that are no line separator, away from the first unit
       // of the text: the step table gives the transition that wins, and the
       // rules below are applied as they stand.
-      if (skipStart && cur == 0 && ms == Unset) run = SkipToStart(run, end);
+      if (skipStart && cur == 0 && ms == Unset) run = FFastScan.SkipToStart(run, end);
       while (run < end) {
         const char16_t u = *run;
         if (u >= 256) break;
@@ -476,7 +234,7 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
         cur = 0;
         ms = me = Unset;
         ++run;
-        if (skipStart) run = SkipToStart(run, end);
+        if (skipStart) run = FFastScan.SkipToStart(run, end);
       }
       if (found || run == end) break;
     }
@@ -487,13 +245,7 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
     int32_t target;
     uint32_t symbolType = 0;
     if (fast && prev != Text && !IsLineSeparator(c)) {
-      if (c < 256 && useStep) {
-        target = FStep[cur * 256 + c];
-      } else {
-        TDecisionCache &slot = FDecisions[DecisionSlot(cur, c)];
-        if (slot.Code != c || slot.State != cur) slot = TDecisionCache{c, cur, Decide(cur, c)};
-        target = slot.Target;
-      }
+      target = c < 256 && useStep ? step[cur * 256 + c] : FFastScan.Decision(DFA, cur, c);
     } else {
       // With IgnoreNonSpacingMarks a mark is stepped over and the unit after
       // it is read in the next pass.

@@ -1,5 +1,6 @@
 // The front end of TURESearch: the operator stack, symbols, character classes,
 // property lists and the expression table.
+#include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
@@ -397,6 +398,49 @@ uint32_t TURESearch::MakeExpression(uint32_t ExprType, uint32_t LHS, uint32_t RH
   list.Expressions[list.ExpressionsUsed] = TExpression{false, ExprType, LHS, RHS};
   FExpressionIndex.emplace(key, list.ExpressionsUsed);
   return list.ExpressionsUsed++;
+}
+
+namespace {
+
+bool IsDigitUnit(char16_t c) {
+  return c >= u'0' && c <= u'9';
+}
+
+} // namespace
+
+// Reads the bounds behind a `{`. The end of the pattern ends a number or the
+// white space like any unit that is neither.
+uint32_t TURESearch::ParseBounds(const char16_t *Text, uint32_t Limit, uint32_t &Min,
+                                 uint32_t &Max) {
+  uint32_t used = 0;
+  auto skipBlanks = [&] {
+    while (used < Limit && UnicodeIsWhiteSpace(Text[used]))
+      ++used;
+  };
+  auto number = [&]() -> uint32_t {
+    std::string digits;
+    while (used < Limit && IsDigitUnit(Text[used]))
+      digits += char(Text[used++]);
+    return digits.empty() ? 0 : uint32_t(StrToInt(digits));
+  };
+  skipBlanks();
+  Min = number();
+  skipBlanks();
+  if (used < Limit && Text[used] == u',') {
+    ++used;
+    skipBlanks();
+    Max = number();
+    if (used < Limit && Text[used] == u'}')
+      ++used;
+    else
+      UREBuffer.Error = ErrRangeOpen;
+  } else if (used < Limit && Text[used] == u'}') {
+    ++used;
+    Max = Min;
+  } else {
+    UREBuffer.Error = ErrBadRange;
+  }
+  return used;
 }
 
 } // namespace kestrel

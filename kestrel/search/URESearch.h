@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <kestrel/search/SearchEngine.h>
+#include <kestrel/search/UREFastScan.h>
 
 namespace kestrel {
 
@@ -222,6 +223,11 @@ public:
 
   // The whole compile; FindPrepare calls it.
   void CompileURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold);
+  // The parse alone, for other automata built from the same language: the
+  // symbols and expressions are left in UREBuffer and the number of the whole
+  // expression is returned. A null or empty pattern gives NoExpression and
+  // changes nothing; a bad one raises as CompileURE does.
+  uint32_t ParseURE(const char16_t *Pattern, uint32_t PatternLength, bool CaseFold);
   void ClearUREBuffer();
   void ClearDFA();
 
@@ -268,16 +274,11 @@ private:
   bool StatesDiffer(uint32_t A, uint32_t B) const;
   [[noreturn]] void RaiseError(const char16_t *Pattern, uint32_t PatternLength, uint16_t Ident);
 
-  // Lookup tables computed after a compile; they only speed up ExecuteURE.
-  void BuildFastTables();
-  void FindStartUnits();
-  bool MayAcceptAbove255(const TSymbolTableEntry &Sym) const;
-  void ClearFastTables();
+  // The tables of a compiled automaton, for the scan and its accelerator.
+  void PrepareScan();
   int32_t TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const char16_t *Text,
                          const char16_t *End, const char16_t *Prev, const char16_t *&Run,
                          uint32_t &SymbolType);
-  bool SymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS4 C) const;
-  int32_t Decide(uint32_t Cur, UCS4 C);
   bool AcceptsAtEnd(uint32_t Cur) const;
   template <bool Fast>
   bool Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, uint32_t &MatchStart,
@@ -294,26 +295,8 @@ private:
   // reported; the refusal comes only for a pattern that parses.
   bool FMissingOperand = false;
 
-  // For each state and unit below 256: the target of the transition that wins
-  // on that unit (not at the first unit of a text, flags 0), -1 when none
-  // accepts, -2 when an anchor may be involved.
-  std::vector<int32_t> FStep;
-  // The same decisions for other code points, kept in a small direct-mapped
-  // cache that the scan fills in.
-  struct TDecisionCache {
-    uint32_t Code = 0xFFFFFFFF;
-    uint32_t State = 0;
-    int32_t Target = 0;
-  };
-  std::vector<TDecisionCache> FDecisions;
-  // Where a new attempt can begin: the units below 256 that do not fail in
-  // the start state, as at most 8 ranges (first unit and length - 1), and
-  // whether every unit from 256 up fails there. The scan jumps over what
-  // cannot begin a match.
-  std::vector<uint16_t> FStartLow, FStartSpan;
-  bool FStartUnitsKnown = false;
-  bool FStartSkipsHigh = false;
-  const char16_t *SkipToStart(const char16_t *Run, const char16_t *End) const;
+  // Our own accelerator of ExecuteURE; ExecuteUREPlain goes without it.
+  TUREFastScan FFastScan;
   // States visited by `^` steps at the first unit of a text, by scan number.
   std::vector<uint32_t> FAnchorVisit;
   uint32_t FAnchorStamp = 0;

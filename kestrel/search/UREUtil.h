@@ -21,6 +21,20 @@ inline int HexValue(char16_t c) {
   return -1;
 }
 
+// The index in the character database of each property number (bit n - 1
+// of a symbol's Props stands for property number n).
+inline constexpr int UREPropertyIndex[32] = {0,  1,  3,  5,  6,  7,  8,  9,  12, 14, 15,
+                                             16, 17, 18, 20, 21, 22, 23, 24, 25, 26, 27,
+                                             28, 29, 30, 32, 33, 34, 35, 36, 37, 38};
+
+struct TSymbolTableEntry;
+
+// Whether a code point has one of the properties of a symbol's bit set.
+bool UREMatchesProperties(uint32_t Props, UCS4 C);
+// Whether a symbol that is no anchor accepts a code point (folded already, as
+// the automaton was); Flags: DotMatchesAll. The one symbol test of the engine.
+bool URESymbolAccepts(const TSymbolTableEntry &Sym, uint32_t Flags, UCS4 C);
+
 // A line separator: CR, LF, U+2028, U+2029.
 inline bool IsLineSeparator(UCS4 c) {
   return c == 0x0D || c == 0x0A || c == 0x2028 || c == 0x2029;

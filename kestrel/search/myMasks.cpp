@@ -1,4 +1,4 @@
-// Unit myMasks: its start-up and finalisation do no work.
+// Unit myMasks: TMyMask and TMyMasks; its start-up and finalisation do no work.
 #include <kestrel/search/myMasks.h>
 
 #include <kestrel/frame/Units.h>

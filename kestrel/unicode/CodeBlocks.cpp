@@ -1,5 +1,5 @@
 // The Unicode blocks of the 16-bit range that the library names by number.
-#include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/CodeBlocks.h>
 
 #include <algorithm>
 #include <iterator>

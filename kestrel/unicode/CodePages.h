@@ -1,4 +1,5 @@
-// Code pages, UTF-8, code blocks and the locale-aware compare.
+// Code pages and the locale-aware compare (UTF-8 and code blocks have headers of
+// their own, included here for the code that names this one).
 #pragma once
 
 #include <cstdint>
@@ -6,17 +7,10 @@
 #include <string_view>
 
 #include <kestrel/frame/host/Types.h>
+#include <kestrel/unicode/CodeBlocks.h>
+#include <kestrel/unicode/Utf8.h>
 
 namespace kestrel {
-
-inline constexpr UCS4 ReplacementCharacter = 0xFFFD;
-inline constexpr UCS4 MaximumUCS2 = 0xFFFF;
-inline constexpr UCS4 MaximumUTF16 = 0x10FFFF;
-inline constexpr UCS4 MaximumUCS4 = 0x7FFFFFFF;
-inline constexpr UCS4 SurrogateHighStart = 0xD800;
-inline constexpr UCS4 SurrogateHighEnd = 0xDBFF;
-inline constexpr UCS4 SurrogateLowStart = 0xDC00;
-inline constexpr UCS4 SurrogateLowEnd = 0xDFFF;
 
 // U+000D U+000A; filled at the unit's start-up, cleared at its finalisation.
 extern std::u16string CRLF;
@@ -33,29 +27,6 @@ char16_t KeyUnicode(char C);
 // Bytes in a code page to wide text: exactly the units the conversion gives;
 // empty when the platform refuses the conversion.
 std::u16string CodePageToWideString(std::string_view A, uint16_t CodePage);
-
-// ---- UTF-8 ----------------------------------------------------------------------
-
-// Each unit on its own, in 1 to 3 bytes: a surrogate half becomes a sequence
-// of its own, so a code above U+FFFF takes 6 bytes, which read back unit for
-// unit through UTF8ToWideString.
-std::string WideStringToUTF8(std::u16string_view S);
-
-// Decodes without validation: a stray continuation byte comes out as the unit
-// of its value, whatever follows a lead byte counts as its continuation,
-// overlong and 5- or 6-byte forms decode to their value, codes above
-// U+10FFFF give ReplacementCharacter. A sequence that the end of the text
-// cuts off gives one ReplacementCharacter and ends the text.
-std::u16string UTF8ToWideString(std::string_view S);
-
-// ---- Code blocks ----------------------------------------------------------------
-
-// The number of the Unicode block holding the unit, 0 to 66; 67 for a unit in
-// none of them.
-inline constexpr uint32_t NoCodeBlock = 67;
-uint32_t CodeBlockFromChar(char16_t C);
-// The block's name ("Basic Latin"), "" for NoCodeBlock or above.
-const char *CodeBlockName(uint32_t Block);
 
 // ---- Locale-aware compare ---------------------------------------------------------
 

@@ -1,5 +1,5 @@
 // UTF-8 to and from wide strings, unit by unit and without validation.
-#include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 #include <kestrel/unicode/Utf8Paths.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // The Str*W family: wide C strings and their allocated buffers.
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
 #include <cstdlib>
 #include <cstring>

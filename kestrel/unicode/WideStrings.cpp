@@ -12,6 +12,7 @@
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/unicode/CodePages.h>
 #include <kestrel/unicode/CollationKeys.h>
+#include <kestrel/unicode/WideCStrings.h>
 #include <kestrel/unicode/WideStrUtils.h>
 
 namespace kestrel {

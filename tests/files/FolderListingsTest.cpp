@@ -30,10 +30,6 @@ std::vector<std::string> Names(const TFolderful &f) {
   return names;
 }
 
-std::string Bytes(TMemoryStream &s) {
-  return std::string(static_cast<const char *>(s.Memory()), static_cast<size_t>(s.Size()));
-}
-
 TEST(FolderListing, CreateAddsTheDelimiterOnce) {
   TFolderful a("/corpus"), b("/corpus/");
   EXPECT_EQ(a.Dirname(), "/corpus/");
@@ -57,7 +53,7 @@ TEST(FolderListing, EmptyStoredFormEndsWithACountOfZero) {
                                            "\x03/c/"           // folder
                                            "\x00\x00\x00\x00", // count
                                            21);
-  EXPECT_EQ(Bytes(s), expected);
+  EXPECT_EQ(test::BytesOf(s), expected);
 }
 
 TEST(FolderListing, EntryStoredForm) {
@@ -65,7 +61,7 @@ TEST(FolderListing, EntryStoredForm) {
   list.AddRec(Rec("ab", 0x11223344, 1.5, 0x20, 7));
   TMemoryStream s;
   list.SaveToStream(&s);
-  const std::string b = Bytes(s);
+  const std::string b = test::BytesOf(s);
   ASSERT_EQ(b.size(), 4u + 20u + 3u);
   double date;
   std::memcpy(&date, b.data() + 4, 8);
@@ -158,7 +154,7 @@ TEST(FolderListing, AStoredSortValueIsKeptAsRead) {
   EXPECT_EQ(g.fGetASearchRec(0).Name, "b");
   TMemoryStream again;
   g.SaveToStream(&again);
-  EXPECT_EQ(Bytes(again), Bytes(s));
+  EXPECT_EQ(test::BytesOf(again), test::BytesOf(s));
   g.fSetSort(TMySearchRecSort::by_name); // a real order still sorts
   EXPECT_EQ(g.fGetASearchRec(0).Name, "a");
 }
@@ -169,7 +165,7 @@ TEST(FolderListing, TruncatedOrHostileStreamRaisesAndKeepsWhatWasRead) {
   list.AddRec(Rec("second"));
   TMemoryStream full;
   list.SaveToStream(&full);
-  const std::string bytes = Bytes(full);
+  const std::string bytes = test::BytesOf(full);
   for (size_t cut : {size_t(2), size_t(10), size_t(4 + 26 + 5)}) {
     SCOPED_TRACE(cut);
     TMemoryStream s;

@@ -9,12 +9,15 @@ using namespace kestrel;
 TEST(Frame, StartupTableHasOurUnitsAtTheirRows) {
   PackageInfo table = GetPackageInfoTable();
   ASSERT_EQ(table->UnitCount, 88);
-  const std::pair<int, TUnitProc> own[] = {
-      {14, &myKpSmall::initialization}, {17, &Unicode::initialization},
-      {18, &WinGenOk::initialization},  {72, &myFileStreamU::initialization},
-      {73, &Wdef::initialization},      {77, &PeruseDir::initialization},
-      {81, &logging_utilities::initialization}, {86, &language_detailsU::initialization},
-      {87, &SortableLists::initialization}};
+  const std::pair<int, TUnitProc> own[] = {{14, &myKpSmall::initialization},
+                                           {17, &Unicode::initialization},
+                                           {18, &WinGenOk::initialization},
+                                           {72, &myFileStreamU::initialization},
+                                           {73, &Wdef::initialization},
+                                           {77, &PeruseDir::initialization},
+                                           {81, &logging_utilities::initialization},
+                                           {86, &language_detailsU::initialization},
+                                           {87, &SortableLists::initialization}};
   for (auto [row, init] : own)
     EXPECT_EQ(table->UnitInfo[row].Init, init) << "row " << row;
   EXPECT_EQ(table->UnitInfo[86].FInit, &language_detailsU::Finalization);
@@ -55,11 +58,21 @@ TEST(Frame, UnitCountRunsWorkOnFirstStartAndLastFinish) {
 
 namespace {
 std::vector<std::string> gTrace;
-void A1() { gTrace.push_back("a+"); }
-void A2() { gTrace.push_back("a-"); }
-void B1() { gTrace.push_back("b+"); }
-void B2() { gTrace.push_back("b-"); }
-void Boom() { throw std::runtime_error("start-up failed"); }
+void A1() {
+  gTrace.push_back("a+");
+}
+void A2() {
+  gTrace.push_back("a-");
+}
+void B1() {
+  gTrace.push_back("b+");
+}
+void B2() {
+  gTrace.push_back("b-");
+}
+void Boom() {
+  throw std::runtime_error("start-up failed");
+}
 } // namespace
 
 TEST(Frame, PackageLoadRunsInOrderAndUnloadInReverse) {

@@ -1,19 +1,12 @@
+// The shared control state of the package and its small helpers.
 #include <gtest/gtest.h>
 
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/myKpSmall.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
-
-TEST(myKpSmall, ControlStateStartsAsDocumented) {
-  EXPECT_EQ(panic_mode, Tpanic_mode::no_panic);
-  EXPECT_FALSE(yes_to_all);
-  EXPECT_FALSE(no_to_all);
-  EXPECT_EQ(CurrentBaseVersion, 4);
-  EXPECT_EQ(sizeof(Tpanic_mode), 1u);
-}
 
 TEST(myKpSmall, MyStripBackSlashDropsOneDelimiter) {
   EXPECT_EQ(MyStripBackSlash(""), "");
@@ -74,22 +67,4 @@ TEST(myKpSmall, MyPMsgDlgIsTaskModalAndNamesTheProgram) {
   EXPECT_EQ(boxes.Boxes()[0].caption, "test_frame");
   EXPECT_EQ(boxes.Boxes()[1].caption, "Question");
   EXPECT_EQ(boxes.Boxes()[1].text, "Sure?");
-}
-
-TEST(Platform, SafeAnswersWithoutATerminal) {
-  EXPECT_EQ(SafeMessageBoxAnswer(MB_OK), IDOK);
-  EXPECT_EQ(SafeMessageBoxAnswer(MB_OKCANCEL | MB_TASKMODAL), IDCANCEL);
-  EXPECT_EQ(SafeMessageBoxAnswer(MB_YESNO), IDNO);
-  EXPECT_EQ(SafeMessageBoxAnswer(MB_YESNOCANCEL), IDCANCEL);
-  EXPECT_EQ(SafeMessageBoxAnswer(MB_ABORTRETRYIGNORE), IDABORT);
-}
-
-TEST(Platform, DriveLettersMapThroughTheTable) {
-  EXPECT_EQ(NativePath("C:/tmp/x"), "/tmp/x");
-  EXPECT_EQ(NativePath("c:"), "/");
-  EXPECT_EQ(NativePath("Q:/x"), "Q:/x"); // no mapping: as it stands
-  SetDriveRoot('Q', "/mnt/q");
-  EXPECT_EQ(NativePath("Q:\\x"), "/mnt/q/x");
-  SetDriveRoot('Q', "");
-  EXPECT_EQ(NativePath("/plain"), "/plain");
 }

@@ -27,19 +27,17 @@ TEST(TMyMasks, ListSyntax) {
     const char *list;
     size_t entries;
     const char *current;
-  } rows[] = {
-      {"", 0, ""},
-      {"*.txt", 1, "*.txt"},
-      {"*.txt;", 1, "*.txt"},
-      {";*.txt", 2, "*.txt"},
-      {"a;;b", 3, "a;;b"},
-      {" *.txt ; *.doc ", 2, "*.txt;*.doc"},
-      {"Text files (*.txt;*.doc)", 2, "*.txt;*.doc"},
-      {")*.txt(", 1, ")*.txt("},
-      {"(*.txt", 1, "(*.txt"},
-      {"()", 0, ""},
-      {"All (*.*)", 1, "*.*"},
-  };
+  } rows[] = {{"", 0, ""},
+              {"*.txt", 1, "*.txt"},
+              {"*.txt;", 1, "*.txt"},
+              {";*.txt", 2, "*.txt"},
+              {"a;;b", 3, "a;;b"},
+              {" *.txt ; *.doc ", 2, "*.txt;*.doc"},
+              {"Text files (*.txt;*.doc)", 2, "*.txt;*.doc"},
+              {")*.txt(", 1, ")*.txt("},
+              {"(*.txt", 1, "(*.txt"},
+              {"()", 0, ""},
+              {"All (*.*)", 1, "*.*"}};
   for (const Row &r : rows) {
     SCOPED_TRACE(r.list);
     Masks m(r.list);

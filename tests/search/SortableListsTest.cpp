@@ -26,8 +26,7 @@ public:
   }
   int32_t Compare(void *item) {
     ++compares;
-    if (SortStage == Tsort_num::second_sort)
-      ++secondCompares;
+    if (SortStage == Tsort_num::second_sort) ++secondCompares;
     const Rec *r = static_cast<Rec *>(item);
     EXPECT_EQ(r, Get(CompareIndex)); // CompareIndex names the item being compared
     return SortStage == Tsort_num::first_sort ? base->first - r->first : base->second - r->second;

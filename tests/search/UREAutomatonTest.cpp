@@ -125,27 +125,6 @@ TEST(UREAutomaton, ACompileOfABoundOfFortyStaysSmall) {
   EXPECT_EQ(accepting, 40u);
 }
 
-// After merging no two states of an automaton behave alike: checked here by
-// the pairwise walk, independently of the way the engine finds them.
-bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
-  std::vector<std::pair<uint32_t, uint32_t>> list{{i, j}};
-  for (size_t p = 0; p < list.size(); ++p) {
-    const TDFAState &a = dfa.StateList.States[list[p].first];
-    const TDFAState &b = dfa.StateList.States[list[p].second];
-    if (a.Accepting != b.Accepting || a.NumberTransitions != b.NumberTransitions) return false;
-    for (uint32_t t = 0; t < a.NumberTransitions; ++t) {
-      const TTransition &ta = dfa.TransitionList.Transitions[a.StartTransition + t];
-      const TTransition &tb = dfa.TransitionList.Transitions[b.StartTransition + t];
-      if (ta.Symbol != tb.Symbol) return false;
-      std::pair<uint32_t, uint32_t> next{std::min(ta.NextState, tb.NextState),
-                                         std::max(ta.NextState, tb.NextState)};
-      if (next.first != next.second && std::find(list.begin(), list.end(), next) == list.end())
-        list.push_back(next);
-    }
-  }
-  return true;
-}
-
 TEST(UREAutomaton, NoTwoStatesBehaveAlikeAfterMerging) {
   for (const char16_t *p : {u"a(b|c)|d(c|b)", u"(ab|cd){1,6}", u"(a|b)*abb", u"[ab]*c[ab]*c",
                             u"x(y|z)*x|w(z|y)*x", u"(a|ab)(c|bcd)(d*)", u"(^a|b$)+c"}) {

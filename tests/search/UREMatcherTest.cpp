@@ -17,10 +17,7 @@ struct MatchCase {
 };
 
 std::string Name(const MatchCase &c) {
-  std::string out;
-  for (char16_t u : c.pattern + u" on " + c.text)
-    out += (u >= 0x20 && u < 0x7F) ? char(u) : '~';
-  return out;
+  return Show(c.pattern) + " on " + Show(c.text);
 }
 
 void Check(const MatchCase cases[], size_t n) {
@@ -63,22 +60,20 @@ TEST(UREMatcher, TheLaterSymbolWinsWhereTwoOverlap) {
 }
 
 TEST(UREMatcher, LineAnchors) {
-  const MatchCase cases[] = {
-      {u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
-      {u"^a", u"b\na", {{2, 3}}},
-      {u"^a", u"\na", {}},
-      {u"^a", u"b\r\na", {{3, 4}}},
-      {u"^a", u"b\u2028a", {{2, 3}}},
-      {u"a$", u"a\nb", {{0, 1}}},
-      {u"a$", u"a", {{0, 1}}},
-      {u"a$", u"a\n", {{0, 2}}},
-      {u"a$", u"a\r\nb", {{0, 1}}},
-      {u"a$", u"a\r\n", {{0, 3}}},
-      {u"a$", u"a\u2029", {{0, 2}}},
-      {u"b$", u"ab", {{1, 2}}},
-      {u"$", u"ab", {}},
-      {u"a$b", u"a\nb", {{0, 3}}},
-  };
+  const MatchCase cases[] = {{u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
+                             {u"^a", u"b\na", {{2, 3}}},
+                             {u"^a", u"\na", {}},
+                             {u"^a", u"b\r\na", {{3, 4}}},
+                             {u"^a", u"b\u2028a", {{2, 3}}},
+                             {u"a$", u"a\nb", {{0, 1}}},
+                             {u"a$", u"a", {{0, 1}}},
+                             {u"a$", u"a\n", {{0, 2}}},
+                             {u"a$", u"a\r\nb", {{0, 1}}},
+                             {u"a$", u"a\r\n", {{0, 3}}},
+                             {u"a$", u"a\u2029", {{0, 2}}},
+                             {u"b$", u"ab", {{1, 2}}},
+                             {u"$", u"ab", {}},
+                             {u"a$b", u"a\nb", {{0, 3}}}};
   Check(cases, std::size(cases));
 }
 
@@ -219,35 +214,6 @@ TEST(UREMatcher, ResultsLastUntilTheNextFindOrClear) {
   engine.Clear();
   EXPECT_EQ(engine.GetCount(), 0u);
   EXPECT_FALSE(engine.FindAll(u"b"));
-}
-
-TEST(UREMatcher, LongTextsTakeTheFastPathWithTheSameResults) {
-  // Units beyond the first 256 and states beyond the step table go through
-  // the decision cache: compare with the plain scan.
-  std::u16string text;
-  for (int i = 0; i < 4000; ++i)
-    text += char16_t(u'a' + i % 26) + std::u16string(i % 7 == 0 ? u"\u0416\u0436 " : u"") +
-            char16_t(0x0400 + i % 96);
-  // The last patterns can only begin on 1 to 5 ranges of units below 256,
-  // which the scan looks for many units at a time.
-  for (const char16_t *p :
-       {u"[\u0400-\u04ff]+", u"\\p10\\p11", u"[^a-z]{2,3}", u"a.c|\u0436", u"ef", u"e[a-f]|t",
-        u"(e|t|a)[^a]", u"e|t|a|o", u"(e|t|a|o|i|n)g", u"[A-Z][a-z]"}) {
-    for (bool fold : {false, true}) {
-      TURESearch engine;
-      engine.FindPrepare(p, fold ? TSearchFlags{} : CaseSensitive());
-      uint32_t run = 0, s = 0, e = 0, s2 = 0, e2 = 0;
-      while (run < text.size()) {
-        bool a = engine.ExecuteURE(0, text.data() + run, uint32_t(text.size() - run), s, e);
-        bool b = engine.ExecuteUREPlain(0, text.data() + run, uint32_t(text.size() - run), s2, e2);
-        ASSERT_EQ(a, b);
-        if (!a) break;
-        ASSERT_EQ(s, s2);
-        ASSERT_EQ(e, e2);
-        run += e > 0 ? e : 1;
-      }
-    }
-  }
 }
 
 } // namespace

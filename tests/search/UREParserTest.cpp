@@ -162,29 +162,27 @@ TEST(UREParser, EscapesGiveTheirCharacters) {
   struct Case {
     std::u16string pattern;
     UCS4 chr;
-  } cases[] = {
-      {u"\\a", 7},
-      {u"\\b", 8},
-      {u"\\f", 12},
-      {u"\\n", 10},
-      {u"\\r", 13},
-      {u"\\t", 9},
-      {u"\\v", 11},
-      {u"\\.", u'.'},
-      {u"\\d", u'd'},
-      {u"\\1", u'1'},
-      {u"\\x41", u'A'},
-      {u"\\x0041", u'A'},
-      {u"\\U00e9", 0xE9},
-      {u"\\x", u'x'},
-      {u"\\u", u'u'},
-      {u"\\X2028", 0x2028},
-      {u"\\uD835\\uDC00", 0x1D400},
-      {u"\U0001D400", 0x1D400},
-      {u"\\uD835\\xDC00", 0x1D400},
-      {u"\\^", u'^'},
-      {u"\\[", u'['},
-  };
+  } cases[] = {{u"\\a", 7},
+               {u"\\b", 8},
+               {u"\\f", 12},
+               {u"\\n", 10},
+               {u"\\r", 13},
+               {u"\\t", 9},
+               {u"\\v", 11},
+               {u"\\.", u'.'},
+               {u"\\d", u'd'},
+               {u"\\1", u'1'},
+               {u"\\x41", u'A'},
+               {u"\\x0041", u'A'},
+               {u"\\U00e9", 0xE9},
+               {u"\\x", u'x'},
+               {u"\\u", u'u'},
+               {u"\\X2028", 0x2028},
+               {u"\\uD835\\uDC00", 0x1D400},
+               {u"\U0001D400", 0x1D400},
+               {u"\\uD835\\xDC00", 0x1D400},
+               {u"\\^", u'^'},
+               {u"\\[", u'['}};
   for (const Case &c : cases) {
     TURESearch engine;
     const TSymbolTableEntry &s = OnlySymbol(engine, c.pattern);

@@ -169,41 +169,6 @@ std::wstring CodePoints(const std::u16string &units, size_t from, size_t to) {
   return out;
 }
 
-std::string Show(const std::u16string &s) {
-  std::string out;
-  for (char16_t u : s) {
-    if (u >= 0x20 && u < 0x7F) {
-      out += char(u);
-    } else {
-      char buf[12];
-      std::snprintf(buf, sizeof buf, "\\u%04X", unsigned(u));
-      out += buf;
-    }
-  }
-  return out;
-}
-
-// Whether two states of an automaton behave alike: the same acceptance, the
-// same symbols in the same order, and targets that behave alike in turn.
-bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
-  std::vector<std::pair<uint32_t, uint32_t>> list{{i, j}};
-  for (size_t p = 0; p < list.size(); ++p) {
-    const TDFAState &a = dfa.StateList.States[list[p].first];
-    const TDFAState &b = dfa.StateList.States[list[p].second];
-    if (a.Accepting != b.Accepting || a.NumberTransitions != b.NumberTransitions) return false;
-    for (uint32_t t = 0; t < a.NumberTransitions; ++t) {
-      const TTransition &ta = dfa.TransitionList.Transitions[a.StartTransition + t];
-      const TTransition &tb = dfa.TransitionList.Transitions[b.StartTransition + t];
-      if (ta.Symbol != tb.Symbol) return false;
-      std::pair<uint32_t, uint32_t> next{std::min(ta.NextState, tb.NextState),
-                                         std::max(ta.NextState, tb.NextState)};
-      if (next.first != next.second && std::find(list.begin(), list.end(), next) == list.end())
-        list.push_back(next);
-    }
-  }
-  return true;
-}
-
 void CheckWellFormed(const Matches &m, const std::u16string &text, const std::string &where) {
   int32_t lastEnd = 0;
   int emptyHere = 0; // empty matches in a row at lastEnd

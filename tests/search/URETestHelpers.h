@@ -1,6 +1,7 @@
 // Helpers for the tests of the regular-expression engine.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,19 +9,9 @@
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/search/URESearch.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel::test {
-
-using Matches = std::vector<std::pair<int32_t, int32_t>>;
-
-inline Matches ResultsOf(TURESearch &engine) {
-  Matches out;
-  for (uint32_t i = 0; i < engine.GetCount(); ++i) {
-    int32_t s = 0, e = 0;
-    engine.GetResult(i, s, e);
-    out.emplace_back(s, e);
-  }
-  return out;
-}
 
 inline TSearchFlags CaseSensitive() {
   return TSearchFlags{TSearchFlag::sfCaseSensitive};
@@ -44,6 +35,28 @@ inline std::string CompileError(const std::u16string &pattern, bool fold = false
     return e.Message();
   }
   return "";
+}
+
+// Whether two states of an automaton behave alike: the same acceptance, the
+// same symbols in the same order, and targets that behave alike in turn
+// (the pairwise walk, independent of the way the engine merges states).
+inline bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
+  std::vector<std::pair<uint32_t, uint32_t>> list{{i, j}};
+  for (size_t p = 0; p < list.size(); ++p) {
+    const TDFAState &a = dfa.StateList.States[list[p].first];
+    const TDFAState &b = dfa.StateList.States[list[p].second];
+    if (a.Accepting != b.Accepting || a.NumberTransitions != b.NumberTransitions) return false;
+    for (uint32_t t = 0; t < a.NumberTransitions; ++t) {
+      const TTransition &ta = dfa.TransitionList.Transitions[a.StartTransition + t];
+      const TTransition &tb = dfa.TransitionList.Transitions[b.StartTransition + t];
+      if (ta.Symbol != tb.Symbol) return false;
+      std::pair<uint32_t, uint32_t> next{std::min(ta.NextState, tb.NextState),
+                                         std::max(ta.NextState, tb.NextState)};
+      if (next.first != next.second && std::find(list.begin(), list.end(), next) == list.end())
+        list.push_back(next);
+    }
+  }
+  return true;
 }
 
 } // namespace kestrel::test

@@ -126,7 +126,7 @@ TEST(ConvertCommand, ClearErrorsAndNoPartialOutput) {
 
   RunResult missing = Convert(dir, {"--from", "1252", "--to", "utf-8", dir / "none.txt"});
   EXPECT_EQ(missing.status, 1);
-  EXPECT_NE(missing.err.find("cannot open"), std::string::npos) << missing.err;
+  EXPECT_NE(missing.err.find("Cannot open file"), std::string::npos) << missing.err;
 
   EXPECT_EQ(Convert(dir, {"--to", "utf-8"}).status, 2);
   EXPECT_EQ(Convert(dir, {"--from", "1252", "--to", "utf-8", "a", "b", "c"}).status, 2);

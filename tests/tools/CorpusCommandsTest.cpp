@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 
 #include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "ZipWriter.h"
 #include <kestrel/vocabulary/WdefStoredFiles.h>
 
 namespace {
@@ -134,6 +134,70 @@ TEST(SearchOverCorpus, FoldersArchivesAndMembersAsTexts) {
   r = RunKestrel("search --json kestrel " + c.dir / "c.zip");
   ASSERT_EQ(r.status, 0) << r.out;
   EXPECT_TRUE(Has(r.out, "\"start\": 4, \"stop\": 11")) << r.out;
+}
+
+TEST(ScanCommand, AttributesAreUnsigned) {
+  // The members of the sample archive carry Unix modes in their upper bits.
+  const Result r = RunKestrel("scan --json " + std::string(KESTREL_SOURCE_DIR) + "/corpus");
+  ASSERT_EQ(r.status, 0) << r.out;
+  EXPECT_TRUE(Has(r.out, "\"attr\":2175008768")) << r.out;
+  EXPECT_FALSE(Has(r.out, "\"attr\":-")) << r.out;
+}
+
+TEST(IdentifyCommand, AFolderStandsForItsFiles) {
+  TempDir dir;
+  dir.WriteFile("w.lst", Head32(37, "Word List32"));
+  dir.WriteFile("plain.txt", "just words");
+  const Result r = RunKestrel("identify " + dir.Path());
+  ASSERT_EQ(r.status, 0) << r.out;
+  EXPECT_TRUE(Has(r.out, dir.Path() + "/plain.txt: not a stored list")) << r.out;
+  EXPECT_TRUE(Has(r.out, dir.Path() + "/w.lst: current 32-bit file")) << r.out;
+  EXPECT_LT(r.out.find("plain.txt"), r.out.find("w.lst")) << r.out; // in name order
+}
+
+TEST(SearchOverCorpus, AFolderWhoseFilesTheMaskMissesIsNamed) {
+  TempDir dir;
+  dir.WriteFile("notes.md", "a kestrel");
+  dir.WriteFile("more.md", "kestrels");
+  Result r = RunKestrel("search kestrel " + dir.Path());
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.out, dir.Path() + ": none of its 2 files matches --files \"*.txt\"")) << r.out;
+  r = RunKestrel("search --files '*.md' kestrel " + dir.Path());
+  EXPECT_EQ(r.status, 0) << r.out;
+  EXPECT_FALSE(Has(r.out, "none of its")) << r.out;
+}
+
+TEST(SearchOverCorpus, StandardInputIsADash) {
+  const Result r =
+      RunKestrel("search --json --report kestrel - < /dev/null; printf 'a kestrel' | " +
+                 std::string(KESTREL_BINARY_DIR) + "/tools/kestrel search --json kestrel -");
+  EXPECT_TRUE(Has(r.out, "{\"file\": \"(standard input)\", \"encoding\": \"UTF-8\"")) << r.out;
+  EXPECT_TRUE(Has(r.out, "\"file\": \"(standard input)\", \"start\": 2, \"stop\": 9")) << r.out;
+}
+
+TEST(CommandLine, BadOptionsGiveOneLine) {
+  TempDir dir;
+  dir.WriteFile("t.txt", "-x and text");
+  struct Bad {
+    std::string args, line;
+  };
+  for (const Bad &b :
+       {Bad{"search --bogus word t", "kestrel search: unknown option --bogus (see kestrel search "
+                                     "--help)\n"},
+        Bad{"search -i word t", "kestrel search: unknown option -i (options take two dashes; put "
+                                "-- before an argument that starts with -) (see kestrel search "
+                                "--help)\n"},
+        Bad{"scan -r /tmp", "kestrel scan: unknown option -r (options take two dashes; put -- "
+                            "before an argument that starts with -) (see kestrel scan --help)\n"},
+        Bad{"identify --bogus x", "kestrel identify: unknown option --bogus (see kestrel identify "
+                                  "--help)\n"}}) {
+    const Result r = RunKestrel(b.args);
+    EXPECT_EQ(r.status, 2) << b.args;
+    EXPECT_EQ(r.out, b.line);
+  }
+  // After --, a dash starts a pattern.
+  const Result r = RunKestrel("search -- -x " + dir / "t.txt");
+  EXPECT_EQ(r.status, 0) << r.out;
 }
 
 TEST(SearchOverCorpus, DamagedArchiveIsAnError) {

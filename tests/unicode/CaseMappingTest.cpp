@@ -4,9 +4,9 @@
 
 #include <kestrel/unicode/CaseMapping.h>
 #include <kestrel/unicode/CharDatabase.h>
-#include <kestrel/unicode/WideStrUtils.h>
+#include <kestrel/unicode/WideCStrings.h>
 
-#include "UnicodeDataFile.h"
+#include "support/UnicodeData.h"
 
 namespace kestrel {
 namespace {

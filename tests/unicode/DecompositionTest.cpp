@@ -8,7 +8,7 @@
 #include <kestrel/unicode/CharDatabase.h>
 #include <kestrel/unicode/Decomposition.h>
 
-#include "UnicodeDataFile.h"
+#include "support/UnicodeData.h"
 
 namespace kestrel {
 namespace {

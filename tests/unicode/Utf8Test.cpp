@@ -5,7 +5,7 @@
 #include <chrono>
 #include <random>
 
-#include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 
 namespace kestrel {
 namespace {

@@ -5,15 +5,12 @@
 
 #include <kestrel/vocabulary/Vocabulary.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel {
 namespace {
 
 using enum list_type;
-
-struct ToolGuard {
-  tool_type saved = current_tool_var;
-  ~ToolGuard() { current_tool_var = saved; }
-};
 
 TEST(ListTypes, TableRows) {
   struct Row {
@@ -26,23 +23,13 @@ TEST(ListTypes, TableRows) {
   using enum file_data_type;
   const Row rows[] = {
       {word_list, "Word list", "Word List32", "Word Lister", ".lst", tallyman, marlow_only_data},
-      {KW_database_list, "Salients Database", "Salients Database32", "Salients Database (v. 2)",
-       ".kdb", salients, marlow_only_data},
       {keyword_plot_list, "Salients Plot list", "Salients Plot32", "Salients Plot", "kpl", salients,
        graphic_data},
-      {clump_list, "Clump List", "Clump List32", "Clump List", "clp", salients, marlow_only_data},
-      {filename_list, "Filename List", "Filename List32", "Filename List", ".fil", hub, text_data},
-      {link_list, "Link List", "Link List32", "Link List", "klk", salients, marlow_only_data},
       {text_list, "Text List", " Text List32", " Text List", ".vwr", glass, text_data},
-      {tallyman_index_list, "Tallyman Index List", "Tallyman Index List32", "Tallyman Index List",
-       ".tokens", tallyman, marlow_only_data},
       {kw_cluster_list, "Salients Cluster list", "Salients ClusterList32", "", "", salients,
        marlow_only_data},
       {none_in_use, "", "", "", "", hub, marlow_only_data},
       {source_text_window, "", "spare3", "", "", hub, text_data},
-      {mutual_information_list, "Mutual Information List", "Mutual Information List32", "", ".mut",
-       tallyman, marlow_only_data},
-      {spare9, "", "spare9", "", "", hub, marlow_only_data},
   };
   for (const Row &r : rows) {
     SCOPED_TRACE(r.signature);
@@ -98,9 +85,8 @@ TEST(ListTypes, ExtensionsToKindsAndTools) {
 }
 
 TEST(ListTypes, UnknownExtensionStaysWithTheRunningTool) {
-  ToolGuard guard;
   for (tool_type t : {tool_type::lineups, tool_type::glass, tool_type::hintbox}) {
-    current_tool_var = t;
+    test::ToolGuard guard(t);
     EXPECT_EQ(ToolTypeFromListType(ListTypeFromFileExt(".xyz")), t);
     EXPECT_EQ(ToolTypeFromListType(notes_window), t);
   }
@@ -109,7 +95,6 @@ TEST(ListTypes, UnknownExtensionStaysWithTheRunningTool) {
 }
 
 TEST(ListTypes, DefaultExtensionOfTools) {
-  ToolGuard guard;
   using enum tool_type;
   EXPECT_EQ(DefaultExtFromToolType(tallyman), ".lst");
   EXPECT_EQ(DefaultExtFromToolType(lineups), ".cnc");
@@ -118,7 +103,7 @@ TEST(ListTypes, DefaultExtensionOfTools) {
   EXPECT_EQ(DefaultExtFromToolType(twin_seeker), ".txt");
   EXPECT_EQ(DefaultExtFromToolType(hub), ".dat");
   EXPECT_EQ(DefaultExtFromToolType(tool_spare4), ".dat");
-  current_tool_var = lineups;
+  test::ToolGuard guard(lineups);
   EXPECT_EQ(DefaultExtFromToolType(widener16), ".cnc");
   current_tool_var = widener16;
   EXPECT_EQ(DefaultExtFromToolType(widener16), ".dat");
@@ -137,28 +122,12 @@ TEST(ListTypes, SaveAsFormats) {
 TEST(ListTypes, GridAlternatives) {
   using enum grid_alternatives;
   const std::pair<grid_alternatives, list_type> cases[] = {
-      {concordance_grid, concordance_list},
-      {clusters_grid, concordance_cluster_list},
-      {dispersions_grid, concordance_plot_list},
-      {detailed_consistency_grid, none_in_use},
-      {alph_order_grid, word_list},
-      {freq_order_grid, word_list},
-      {kwcluster_list, none_in_use},
-      {kwclumps_grid, clump_list},
-      {kwplotlink_grid, link_list},
-      {glass_aligned_grid, aligner_list},
-      {spare_v3, none_in_use},
-      {spare_9, none_in_use},
+      {concordance_grid, concordance_list}, {detailed_consistency_grid, none_in_use},
+      {freq_order_grid, word_list},         {kwcluster_list, none_in_use},
+      {glass_aligned_grid, aligner_list},   {spare_9, none_in_use},
   };
   for (auto [grid, list] : cases)
     EXPECT_EQ(ListTypeFromGridAlternatives(grid), list) << int(grid);
-}
-
-TEST(ListTypes, SetOverKinds) {
-  list_type_set set{word_list, spare10};
-  EXPECT_TRUE(set.Contains(spare10));
-  EXPECT_FALSE(set.Contains(none_in_use));
-  EXPECT_EQ(set.Raw(), (uint64_t(1) << 34) | 1u);
 }
 
 } // namespace

@@ -5,14 +5,10 @@
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/vocabulary/Vocabulary.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel {
 namespace {
-
-// Restores the running tool after a test that changes it.
-struct ToolGuard {
-  tool_type saved = current_tool_var;
-  ~ToolGuard() { current_tool_var = saved; }
-};
 
 TEST(ToolIdentity, NamesAndSignaturesByRow) {
   struct Row {
@@ -23,16 +19,8 @@ TEST(ToolIdentity, NamesAndSignaturesByRow) {
   const Row rows[] = {
       {tool_type::tallyman, "Tallyman", "Tallyman", 37},
       {tool_type::lineups, "Lineups", "Lineups", 36},
-      {tool_type::salients, "Salients", "Salients", 37},
       {tool_type::hub, "", "Marlowick", 36},
       {tool_type::morpher, "Text Morpher", "Text_Morpher", 36},
-      {tool_type::hintbox, "", "", 36},
-      {tool_type::relabeller, "", "Relabeller", 36},
-      {tool_type::tonguepick, "Tongue Picker", "PickTongues", 36},
-      {tool_type::widener16, "MK1-3 Data Widener", "WidenMK1to3Data", 36},
-      {tool_type::glyph_scope, "Glyph Scope", "GlyphScopeP", 36},
-      {tool_type::file_kit, "File Kit", "File_Kit", 36},
-      {tool_type::tool_spare3, "", "", 36},
       {tool_type::tool_spare4, "", "", 36},
   };
   for (const Row &r : rows) {
@@ -77,23 +65,11 @@ TEST(ToolIdentity, ProgramNamesChooseTheirTool) {
 }
 
 TEST(ToolIdentity, SetCurrentToolReadsTheRunningProgram) {
-  ToolGuard guard;
-  current_tool_var = tool_type::tallyman;
+  test::ToolGuard guard(tool_type::tallyman);
   SetCurrentTool();
   // The test program is named after no tool.
   EXPECT_EQ(current_tool_var, ToolTypeFromProgramFileName(ParamStr0()));
   EXPECT_EQ(current_tool_var, tool_type::hintbox);
-}
-
-TEST(ToolIdentity, NameTables) {
-  EXPECT_EQ(ini_all_colours[TMKcolourset::normalcolour], "normal text");
-  EXPECT_EQ(ini_all_colours[TMKcolourset::centrehighlightedcolour], "search word highlighted");
-  EXPECT_EQ(ini_all_colours[TMKcolourset::viewtextcolour], "viewing texts");
-  EXPECT_EQ(ini_CAPS_tool[tool_type::salients], "SALIENTS");
-  EXPECT_EQ(ini_tool_name[tool_type::lineups], "Lineups");
-  EXPECT_EQ(ini_stopmatchlemmafile[TLemmaMatchStopOptions::as_lemma], "lemma match list file");
-  EXPECT_EQ(ini_stopmatchlemmafile[TLemmaMatchStopOptions::as_stop], "stop list file");
-  EXPECT_EQ(conc_display_str[conc_display_possibilities::sentence_only], "sentence only");
 }
 
 TEST(ToolIdentity, FinalisationReleasesTheTablesAndStartUpRestoresThem) {
@@ -107,6 +83,8 @@ TEST(ToolIdentity, FinalisationReleasesTheTablesAndStartUpRestoresThem) {
   EXPECT_TRUE(ini_all_colours[TMKcolourset::normalcolour].empty());
   my_consts::initialization();
   EXPECT_EQ(ini_all_colours[TMKcolourset::normalcolour], "normal text");
+  EXPECT_EQ(ini_CAPS_tool[tool_type::salients], "SALIENTS");
+  EXPECT_EQ(ini_stopmatchlemmafile[TLemmaMatchStopOptions::as_stop], "stop list file");
   EXPECT_EQ(conc_display_str[conc_display_possibilities::hide_tags], "hide tags");
 }
 

@@ -11,10 +11,12 @@ Args::Args(const std::vector<std::string> &argv, const std::vector<std::string> 
   for (size_t i = 0; i < argv.size(); ++i) {
     const std::string &a = argv[i];
     if (onlyPositional || a.size() < 3 || a.compare(0, 2, "--") != 0) {
-      if (a == "--")
+      if (a == "--") {
         onlyPositional = true;
-      else
-        positional_.push_back(a);
+        continue;
+      }
+      if (!onlyPositional && a.size() > 1 && a[0] == '-') singleDash_.push_back(a);
+      positional_.push_back(a);
       continue;
     }
     std::string name = a.substr(2), value;
@@ -26,8 +28,7 @@ Args::Args(const std::vector<std::string> &argv, const std::vector<std::string> 
       value = name.substr(eq + 1);
       name = name.substr(0, eq);
     } else if (takesValue) {
-      if (i + 1 >= argv.size())
-        throw UsageError{"option --" + name + " needs a value"};
+      if (i + 1 >= argv.size()) throw UsageError{"option --" + name + " needs a value"};
       value = argv[++i];
     }
     flags_.emplace(name, value);
@@ -48,14 +49,12 @@ std::vector<std::string> Args::Values(const std::string &name) const {
 }
 
 int64_t Args::Number(const std::string &name, int64_t fallback) const {
-  if (!Has(name))
-    return fallback;
+  if (!Has(name)) return fallback;
   std::string v = Value(name);
   try {
     size_t used = 0;
     long long n = std::stoll(v, &used, 10);
-    if (used == v.size())
-      return n;
+    if (used == v.size()) return n;
   } catch (...) {
   }
   throw UsageError{"option --" + name + " needs a whole number, not '" + v + "'"};
@@ -67,10 +66,15 @@ std::vector<std::string> Args::Unknown(const std::vector<std::string> &known) co
     bool ok = false;
     for (const auto &k : known)
       ok |= k == name;
-    if (!ok)
-      out.push_back("--" + name);
+    if (!ok) out.push_back("--" + name);
   }
   return out;
+}
+
+void Args::RefuseSingleDash() const {
+  if (!singleDash_.empty())
+    throw UsageError{"unknown option " + singleDash_.front() +
+                     " (options take two dashes; put -- before an argument that starts with -)"};
 }
 
 namespace {
@@ -85,7 +89,9 @@ CommandRegistration::CommandRegistration(Command command) {
   Registry().emplace(name, std::move(command));
 }
 
-const std::map<std::string, Command> &Commands() { return Registry(); }
+const std::map<std::string, Command> &Commands() {
+  return Registry();
+}
 
 std::string JsonString(const std::string &utf8) {
   std::string out = "\"";
@@ -154,14 +160,14 @@ static int64_t NowMs() {
 }
 
 Progress::Progress(bool forced) : enabled_(forced || isatty(STDERR_FILENO)) {}
-Progress::~Progress() { Done(); }
+Progress::~Progress() {
+  Done();
+}
 
 void Progress::Update(const std::string &text) {
-  if (!enabled_)
-    return;
+  if (!enabled_) return;
   int64_t now = NowMs();
-  if (shown_ && now - lastMs_ < 100)
-    return;
+  if (shown_ && now - lastMs_ < 100) return;
   lastMs_ = now;
   std::fprintf(stderr, "\r\033[K%s", text.c_str());
   std::fflush(stderr);
@@ -169,8 +175,7 @@ void Progress::Update(const std::string &text) {
 }
 
 void Progress::Done() {
-  if (shown_)
-    std::fprintf(stderr, "\r\033[K");
+  if (shown_) std::fprintf(stderr, "\r\033[K");
   shown_ = false;
 }
 

@@ -24,13 +24,20 @@ public:
   const std::vector<std::string> &Positional() const { return positional_; }
   // Options that the command does not know, for a clear error.
   std::vector<std::string> Unknown(const std::vector<std::string> &known) const;
+  // Arguments with a single dash ("-i", not "-" alone) before any "--": they
+  // look like options, which take two dashes here. They are also among the
+  // positional arguments; a command refuses them with RefuseSingleDash.
+  const std::vector<std::string> &SingleDash() const { return singleDash_; }
+  void RefuseSingleDash() const;
 
 private:
   std::multimap<std::string, std::string> flags_;
   std::vector<std::string> positional_;
+  std::vector<std::string> singleDash_;
 };
 
-// Thrown for bad usage; main prints the message and the command's usage.
+// Thrown for bad usage; main prints the message on one line and points to
+// the command's --help.
 struct UsageError {
   std::string message;
 };

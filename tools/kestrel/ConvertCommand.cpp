@@ -18,6 +18,7 @@
 #include <sstream>
 #include <string>
 
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/kestrel.h>
 
@@ -26,72 +27,14 @@
 namespace kestrel::cli {
 namespace {
 
-struct Encoding {
-  enum Kind { CodePage, Utf8, Utf16LE, Utf16BE } kind = CodePage;
-  uint32_t codePage = 0;
-  std::string name;
-};
+// The encodings are the library's (TextEncodingFromName): the same names as
+// kestrel search takes.
+using Kind = TTextEncoding::TKind;
 
-std::string Lower(std::string s) {
-  for (char &c : s)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return s;
-}
-
-bool Digits(const std::string &s, uint32_t &value) {
-  if (s.empty() || s.size() > 5) return false;
-  value = 0;
-  for (char c : s) {
-    if (c < '0' || c > '9') return false;
-    value = value * 10 + uint32_t(c - '0');
-  }
-  return true;
-}
-
-// Common names of code pages beside their numbers.
-struct Alias {
-  const char *name;
-  uint32_t codePage;
-};
-constexpr Alias kAliases[] = {
-    {"ascii", 20127},      {"us-ascii", 20127},   {"latin1", 28591},     {"iso-8859-1", 28591},
-    {"iso-8859-2", 28592}, {"iso-8859-5", 28595}, {"iso-8859-7", 28597}, {"iso-8859-15", 28605},
-    {"shift_jis", 932},    {"sjis", 932},         {"gbk", 936},          {"gb2312", 936},
-    {"big5", 950},         {"euc-kr", 949},       {"koi8-r", 20866},     {"gb18030", 54936},
-};
-
-Encoding ParseEncoding(const std::string &option, const std::string &text) {
+TTextEncoding ParseEncoding(const std::string &option, const std::string &text) {
   if (text.empty())
     throw UsageError{"--" + option + " needs an encoding: a code page number, utf-8 or utf-16"};
-  std::string s = Lower(text);
-  Encoding e;
-  e.name = text;
-  if (s == "utf-8" || s == "utf8") return e.kind = Encoding::Utf8, e;
-  if (s == "utf-16" || s == "utf16" || s == "utf-16le" || s == "utf16le")
-    return e.kind = Encoding::Utf16LE, e;
-  if (s == "utf-16be" || s == "utf16be") return e.kind = Encoding::Utf16BE, e;
-  uint32_t cp = 0;
-  bool found = false;
-  for (const char *prefix : {"", "cp", "windows-", "ibm-"})
-    if (s.rfind(prefix, 0) == 0 && Digits(s.substr(std::strlen(prefix)), cp)) {
-      found = true;
-      break;
-    }
-  for (const Alias &a : kAliases)
-    if (!found && s == a.name) {
-      cp = a.codePage;
-      found = true;
-    }
-  if (!found)
-    throw Exception("unknown encoding '" + text +
-                    "': give a Windows code page number (1252, 932...), utf-8 or utf-16");
-  if (cp == CP_UTF8) return e.kind = Encoding::Utf8, e;
-  if (cp == 1200 || cp == 1201)
-    return e.kind = cp == 1200 ? Encoding::Utf16LE : Encoding::Utf16BE, e;
-  if (cp > 0xFFFF || !IsValidCodePage(cp))
-    throw Exception("unknown code page " + std::to_string(cp) + " ('" + text + "')");
-  e.codePage = cp;
-  return e;
+  return TextEncodingFromName(text);
 }
 
 std::string ReadAll(const std::string &path) {
@@ -100,52 +43,15 @@ std::string ReadAll(const std::string &path) {
     s << std::cin.rdbuf();
     return s.str();
   }
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw EFOpenError("cannot open " + path + ": " + std::strerror(errno));
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  return ReadFileBytes(path);
 }
 
-bool StartsWith(const std::string &s, const char *prefix, size_t n) {
-  return s.size() >= n && std::memcmp(s.data(), prefix, n) == 0;
-}
-
-std::u16string DecodeUtf16(const std::string &bytes, bool bigEndian) {
-  size_t start = 0;
-  if (StartsWith(bytes, "\xFF\xFE", 2)) {
-    bigEndian = false;
-    start = 2;
-  } else if (StartsWith(bytes, "\xFE\xFF", 2)) {
-    bigEndian = true;
-    start = 2;
-  }
-  if ((bytes.size() - start) % 2)
-    throw EConvertError("the UTF-16 input has an odd number of bytes");
-  std::u16string text((bytes.size() - start) / 2, u'\0');
-  for (size_t i = 0; i < text.size(); ++i) {
-    auto b0 = static_cast<unsigned char>(bytes[start + 2 * i]);
-    auto b1 = static_cast<unsigned char>(bytes[start + 2 * i + 1]);
-    text[i] = static_cast<char16_t>(bigEndian ? (b0 << 8) | b1 : (b1 << 8) | b0);
-  }
-  return text;
-}
-
-std::u16string Decode(const std::string &bytes, const Encoding &from) {
-  switch (from.kind) {
-  case Encoding::Utf8:
-    return UTF8ToWideString(StartsWith(bytes, "\xEF\xBB\xBF", 3) ? std::string_view(bytes).substr(3)
-                                                                 : std::string_view(bytes));
-  case Encoding::Utf16LE:
-  case Encoding::Utf16BE:
-    return DecodeUtf16(bytes, from.kind == Encoding::Utf16BE);
-  case Encoding::CodePage:
-    break;
-  }
-  if (bytes.size() > INT32_MAX)
-    throw EConvertError("the input is too large for a code-page conversion (2 GB at most)");
-  std::u16string text = CodePageToWideString(bytes, static_cast<uint16_t>(from.codePage));
-  if (text.empty() && !bytes.empty())
-    throw EConvertError("the input cannot be read in code page " + std::to_string(from.codePage));
-  return text;
+// UTF-16 input follows its byte-order mark; an odd byte at its end would be
+// lost, so it is an error.
+std::u16string Decode(const std::string &bytes, const TTextEncoding &from) {
+  const bool utf16 = from.Kind == Kind::Utf16LE || from.Kind == Kind::Utf16BE;
+  if (utf16 && bytes.size() % 2) throw EConvertError("the UTF-16 input has an odd number of bytes");
+  return DecodeTextAs(bytes, from);
 }
 
 bool IsHigh(char16_t u) {
@@ -186,14 +92,14 @@ std::string EncodeUtf16(std::u16string_view text, bool bigEndian, bool bom) {
   return out;
 }
 
-std::string Encode(std::u16string_view text, const Encoding &to, bool bom) {
-  switch (to.kind) {
-  case Encoding::Utf8:
+std::string Encode(std::u16string_view text, const TTextEncoding &to, bool bom) {
+  switch (to.Kind) {
+  case Kind::Utf8:
     return (bom ? std::string("\xEF\xBB\xBF") : std::string()) + EncodeUtf8(text);
-  case Encoding::Utf16LE:
-  case Encoding::Utf16BE:
-    return EncodeUtf16(text, to.kind == Encoding::Utf16BE, bom);
-  case Encoding::CodePage:
+  case Kind::Utf16LE:
+  case Kind::Utf16BE:
+    return EncodeUtf16(text, to.Kind == Kind::Utf16BE, bom);
+  case Kind::CodePage:
     break;
   }
   if (text.empty()) return {};
@@ -202,13 +108,13 @@ std::string Encode(std::u16string_view text, const Encoding &to, bool bom) {
   int32_t units = static_cast<int32_t>(text.size());
   bool replaced = false;
   int32_t size =
-      WideCharToMultiByte(to.codePage, 0, text.data(), units, nullptr, 0, nullptr, &replaced);
+      WideCharToMultiByte(to.CodePage, 0, text.data(), units, nullptr, 0, nullptr, &replaced);
   std::string out(static_cast<size_t>(size), '\0');
-  if (size == 0 || WideCharToMultiByte(to.codePage, 0, text.data(), units, out.data(), size,
+  if (size == 0 || WideCharToMultiByte(to.CodePage, 0, text.data(), units, out.data(), size,
                                        nullptr, &replaced) != size)
-    throw EConvertError("the text cannot be written in code page " + std::to_string(to.codePage));
+    throw EConvertError("the text cannot be written in " + to.Name());
   if (replaced)
-    std::cerr << "kestrel convert: some characters have no form in code page " << to.codePage
+    std::cerr << "kestrel convert: some characters have no form in " << to.Name()
               << " and were written as '?'\n";
   return out;
 }
@@ -240,14 +146,15 @@ void WriteAll(const std::string &path, const std::string &bytes) {
 }
 
 int RunConvert(const Args &args) {
+  args.RefuseSingleDash();
   if (auto unknown = args.Unknown({"from", "to", "bom", "no-bom"}); !unknown.empty())
     throw UsageError{"unknown option " + unknown.front()};
   if (!args.Has("from") || !args.Has("to")) throw UsageError{"give both --from and --to"};
   const auto &files = args.Positional();
   if (files.size() > 2) throw UsageError{"give at most an input and an output file"};
-  Encoding from = ParseEncoding("from", args.Value("from"));
-  Encoding to = ParseEncoding("to", args.Value("to"));
-  bool bom = to.kind == Encoding::Utf8 ? args.Has("bom") : !args.Has("no-bom");
+  const TTextEncoding from = ParseEncoding("from", args.Value("from"));
+  const TTextEncoding to = ParseEncoding("to", args.Value("to"));
+  bool bom = to.Kind == Kind::Utf8 ? args.Has("bom") : !args.Has("no-bom");
   std::string in = files.size() > 0 ? files[0] : "", out = files.size() > 1 ? files[1] : "";
   WriteAll(out, Encode(Decode(ReadAll(in), from), to, bom));
   return 0;
@@ -257,8 +164,10 @@ const CommandRegistration kConvert(Command{
     "convert",
     "convert text between code pages, UTF-8 and UTF-16",
     "convert --from ENC --to ENC [--bom|--no-bom] [IN [OUT]]\n"
-    "  ENC: a Windows code page (1252, cp1252, windows-1252, 932, ...), utf-8, utf-16 (little-\n"
-    "  endian), utf-16be. IN and OUT default to standard input and output ('-' names them).\n"
+    "  ENC: a Windows code page (1252, cp1252, windows-1252, 932, ...), any name ICU's\n"
+    "  converters know (latin1, koi8-r, shift_jis, iso-8859-3...), utf-8, utf-16 (little-\n"
+    "  endian), utf-16be: the names kestrel search --encoding takes. IN and OUT default\n"
+    "  to standard input and output ('-' names them).\n"
     "  UTF-16 output has a byte-order mark unless --no-bom; UTF-8 output has one with --bom.",
     {"from", "to"},
     RunConvert});

@@ -1,7 +1,9 @@
 // kestrel identify: says what stored list of the suite each file holds.
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <sstream>
 
@@ -205,9 +207,31 @@ std::string Json(const std::string &file, const Verdict &v) {
   return out.str() + "}";
 }
 
+// The files to judge: a folder stands for the files directly in it (archives
+// among them, as files), in name order.
+std::vector<std::string> FilesOf(const std::vector<std::string> &paths) {
+  std::vector<std::string> files;
+  for (const std::string &path : paths) {
+    if (!DirectoryExists(path)) {
+      files.push_back(path);
+      continue;
+    }
+    TPeruseDir scanner("*", "*", "*", false, true, faAnyFile);
+    std::unique_ptr<TMySearchRecList> list(scanner.ListofAllFilesIn(path));
+    std::vector<std::string> inFolder;
+    for (int32_t i = 0; list && i < list->Count(); ++i)
+      inFolder.push_back(IncludeTrailingPathDelimiter(path) + list->GetAMySearchRec(i).Name);
+    std::sort(inFolder.begin(), inFolder.end());
+    if (inFolder.empty()) std::cerr << "kestrel identify: " << path << ": no file in the folder\n";
+    files.insert(files.end(), inFolder.begin(), inFolder.end());
+  }
+  return files;
+}
+
 int Run(const Args &args) {
+  args.RefuseSingleDash();
   if (!args.Unknown({"json", "tool"}).empty())
-    throw UsageError{"unknown option --" + args.Unknown({"json", "tool"}).front()};
+    throw UsageError{"unknown option " + args.Unknown({"json", "tool"}).front()};
   if (args.Positional().empty()) throw UsageError{"no file given"};
   const std::optional<tool_type> given = ToolFromName(args.Value("tool"));
   SetCurrentTool();
@@ -216,7 +240,7 @@ int Run(const Args &args) {
   int rc = 0;
   if (json) std::cout << "[";
   bool first = true;
-  for (const std::string &file : args.Positional()) {
+  for (const std::string &file : FilesOf(args.Positional())) {
     if (!FileExists(file)) {
       std::cerr << "kestrel identify: " << file << ": no such file\n";
       rc = 1;
@@ -237,11 +261,11 @@ int Run(const Args &args) {
 
 CommandRegistration reg({"identify",
                          "say what stored list of the suite each file holds",
-                         "identify [--tool NAME] [--json] FILE...\n"
+                         "identify [--tool NAME] [--json] FILE|FOLDER...\n"
                          "  Reads each file's head: its list kind, owning tool, default\n"
                          "  extension, and whether it is a current, older 32-bit, oldest-format\n"
                          "  file or a batch archive. Without --tool a file is judged as the tool\n"
-                         "  that owns its kind.",
+                         "  that owns its kind. A folder stands for the files directly in it.",
                          {"tool"},
                          Run});
 

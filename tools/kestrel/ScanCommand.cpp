@@ -82,7 +82,8 @@ private:
         const Entry &e = entries_[i];
         std::cout << (i ? ",\n  " : "\n  ") << "{\"name\":" << JsonString(e.fullName)
                   << ",\"size\":" << e.rec.Size << ",\"date\":\"" << DateText(e.rec.Date)
-                  << "\",\"attr\":" << e.rec.Attr << ",\"zip_number\":" << e.rec.ZipNumber << "}";
+                  << "\",\"attr\":" << static_cast<uint32_t>(e.rec.Attr)
+                  << ",\"zip_number\":" << e.rec.ZipNumber << "}";
       }
       std::cout << "\n],\"files\":" << entries_.size() << ",\"zips_read\":" << scanner_->fZipsRead
                 << ",\"zip_members_found\":" << scanner_->fZipMembersFound
@@ -111,8 +112,9 @@ private:
 int Run(const Args &args) {
   const std::vector<std::string> known = {"files",         "dirs",      "members", "no-zips",
                                           "zips-as-files", "recursive", "json"};
+  args.RefuseSingleDash();
   if (!args.Unknown(known).empty())
-    throw UsageError{"unknown option --" + args.Unknown(known).front()};
+    throw UsageError{"unknown option " + args.Unknown(known).front()};
   if (args.Positional().size() != 1) throw UsageError{"give one folder"};
   Scan scan(args);
   return scan.Run(args.Positional()[0]);

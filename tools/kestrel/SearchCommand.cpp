@@ -1,78 +1,74 @@
-// kestrel search PATTERN PATH...: a concordance. Each input is decoded to
-// UTF-16, searched with a search engine, and every match is printed as a
-// key-word-in-context line aligned on the match, or as JSON.
+// kestrel search PATTERN PATH...: a concordance. Each input is read in the
+// encoding it shows (or the one given), searched, and every match is printed
+// as a key-word-in-context line aligned on the match, or as JSON.
 //
-// The command is built from three separate steps so that each can grow on
-// its own: ChooseEngine (which engine and flags), EnumerateInputs (which
-// texts), and the printers.
+// The steps live apart so that each can grow on its own: the options
+// (SearchOptions here), the matchers (SearchMatchers), the inputs
+// (SearchInputs) and the printers (SearchPrinters).
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/search/Search.h>
 #include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/Utf8.h>
 
 #include "Cli.h"
 #include "SearchInputs.h"
-#include "TextFiles.h"
+#include "SearchMatchers.h"
+#include "SearchPrinters.h"
 
 namespace kestrel::cli {
 namespace {
 
-// ---- Engine
+const std::vector<std::string> kOptions = {
+    "case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
+    "pattern-file",   "encoding",     "json",           "files",      "recursive",
+    "regex",          "single-pass",  "report"};
 
-// --regex: the regular-expression engine, which knows only case folding; the
-// other flags would have no effect on it, so they are refused with it. A bad
-// pattern's message has its two lines broken for the terminal.
-std::unique_ptr<TSearchEngine> ChooseRegexEngine(const Args &args, const std::u16string &pattern) {
-  for (const char *option : {"ignore-marks", "compress-space", "whole-word"})
-    if (args.Has(option))
-      throw UsageError{std::string("--") + option + " does not go with --regex"};
-  TSearchFlags flags;
-  if (args.Has("case-sensitive")) flags.Include(TSearchFlag::sfCaseSensitive);
-  auto engine = std::make_unique<TURESearch>(nullptr);
-  try {
-    engine->FindPrepare(pattern, flags);
-  } catch (const EConvertError &) {
-    throw;
-  } catch (const Exception &e) {
-    std::string message = e.Message();
-    std::replace(message.begin(), message.end(), '\r', '\n');
-    throw Exception(message);
+// ---- Options
+
+struct SearchOptions {
+  MatchOptions match;
+  TTextEncoding given = DefaultTextEncoding(); // for texts that show no encoding
+  bool encodingGiven = false;
+  int width = 30;
+  bool json = false, report = false;
+};
+
+SearchOptions ReadOptions(const Args &args) {
+  args.RefuseSingleDash();
+  if (auto unknown = args.Unknown(kOptions); !unknown.empty())
+    throw UsageError{"unknown option " + unknown.front()};
+  SearchOptions o;
+  MatchOptions &m = o.match;
+  m.regex = args.Has("regex");
+  m.singlePass = args.Has("single-pass");
+  m.caseSensitive = args.Has("case-sensitive");
+  m.ignoreMarks = args.Has("ignore-marks");
+  m.compressSpace = args.Has("compress-space");
+  m.wholeWord = args.Has("whole-word");
+  if (m.singlePass && !m.regex) throw UsageError{"--single-pass goes with --regex"};
+  if (m.regex && m.compressSpace) throw UsageError{"--compress-space does not go with --regex"};
+  if (args.Has("encoding")) {
+    try {
+      o.given = TextEncodingFromName(args.Value("encoding"));
+    } catch (const EConvertError &e) {
+      throw UsageError{e.Message()};
+    }
+    o.encodingGiven = true;
   }
-  return engine;
-}
-
-std::unique_ptr<TSearchEngine> ChooseEngine(const Args &args, const std::u16string &pattern) {
-  if (args.Has("regex")) return ChooseRegexEngine(args, pattern);
-  TSearchFlags flags;
-  if (args.Has("case-sensitive")) flags.Include(TSearchFlag::sfCaseSensitive);
-  if (args.Has("ignore-marks")) flags.Include(TSearchFlag::sfIgnoreNonSpacing);
-  if (args.Has("compress-space")) flags.Include(TSearchFlag::sfSpaceCompress);
-  if (args.Has("whole-word")) {
-    flags.Include(TSearchFlag::sfLeftBounded);
-    flags.Include(TSearchFlag::sfRightBounded);
-  }
-  auto engine = std::make_unique<TUTBMSearch>(nullptr);
-  engine->FindPrepare(pattern, flags);
-  return engine;
-}
-
-// ---- Inputs
-
-// A folder gives the files that --files takes (with --recursive, in its
-// sub-folders too) and the members of its ZIP archives that the same masks
-// take; a ZIP archive gives its members; any other path is a text.
-std::vector<Input> EnumerateInputs(const std::vector<std::string> &paths, SearchInputs &sources) {
-  std::vector<Input> inputs;
-  for (const std::string &path : paths)
-    sources.Add(path, inputs);
-  return inputs;
+  const int64_t width = args.Number("width", 30);
+  if (width < 0 || width > 1000) throw UsageError{"--width must lie between 0 and 1000"};
+  o.width = static_cast<int>(width);
+  o.json = args.Has("json");
+  o.report = args.Has("report");
+  return o;
 }
 
 // ---- Pattern
@@ -83,213 +79,76 @@ std::u16string StripOneLineBreak(std::u16string s) {
   return s;
 }
 
-// The pattern and the paths: from --pattern-file (decoded like the texts,
-// one final line break dropped) or from the first argument.
-std::u16string TakePattern(const Args &args, const TextEncoding &encoding,
+// The pattern and the paths: from --pattern-file (read like the texts, one
+// final line break dropped) or from the first argument.
+std::u16string TakePattern(const Args &args, const SearchOptions &o,
                            std::vector<std::string> &paths) {
   paths = args.Positional();
   std::u16string pattern;
   if (args.Has("pattern-file")) {
-    pattern = StripOneLineBreak(ReadTextFile(args.Value("pattern-file"), encoding).text);
+    pattern = StripOneLineBreak(ReadTextFile(args.Value("pattern-file"), o.given).Text);
   } else {
     if (paths.empty()) throw UsageError{"no pattern given"};
     pattern = UTF8ToWideString(paths.front());
     paths.erase(paths.begin());
   }
   if (pattern.empty()) throw UsageError{"the pattern is empty"};
-  if (paths.empty()) throw UsageError{"no file to search"};
+  if (paths.empty()) throw UsageError{"no file to search (give - for standard input)"};
   return pattern;
 }
 
-// ---- Positions and contexts
+// ---- One text
 
-bool IsBreak(char16_t c) {
-  return c == u'\n' || c == u'\r' || c == 0x2028 || c == 0x2029;
-}
-bool IsLowHalf(char16_t c) {
-  return c >= 0xDC00 && c <= 0xDFFF;
-}
-bool IsHighHalf(char16_t c) {
-  return c >= 0xD800 && c <= 0xDBFF;
-}
-
-// Offsets at which lines start; CR LF is one break.
-std::vector<uint32_t> LineStarts(const std::u16string &text) {
-  std::vector<uint32_t> starts{0};
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (!IsBreak(text[i])) continue;
-    if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-    starts.push_back(static_cast<uint32_t>(i + 1));
+std::string EvidenceText(TEncodingEvidence e, bool encodingGiven) {
+  switch (e) {
+  case TEncodingEvidence::ByteOrderMark:
+    return "byte-order mark";
+  case TEncodingEvidence::ValidUtf8:
+    return "valid UTF-8";
+  case TEncodingEvidence::Utf16Bytes:
+    return "UTF-16 byte pattern";
+  case TEncodingEvidence::Given:
+    break;
   }
-  return starts;
+  return encodingGiven ? "as given" : "assumed";
 }
 
-// Characters (a pair counts one) between two offsets.
-uint32_t Characters(const std::u16string &text, uint32_t from, uint32_t to) {
-  uint32_t n = 0;
-  for (uint32_t i = from; i < to; ++i)
-    if (!(IsLowHalf(text[i]) && i > from && IsHighHalf(text[i - 1]))) ++n;
-  return n;
-}
-
-// Columns a character takes on a terminal: 0 for combining marks, 2 for
-// the wide East Asian ranges, 1 otherwise.
-int Columns(uint32_t c) {
-  if ((c >= 0x0300 && c <= 0x036F) || (c >= 0x20D0 && c <= 0x20FF) || c == 0x200B) return 0;
-  if ((c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
-      (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
-      (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) ||
-      (c >= 0xFFE0 && c <= 0xFFE6) || c >= 0x20000)
-    return 2;
-  return 1;
-}
-
-struct Piece {
-  std::u16string text;
-  int columns = 0;
-};
-
-// Flattens a stretch of text to one line: breaks, tabs and controls show as
-// blanks.
-std::u16string Flatten(std::u16string s) {
-  for (auto &c : s)
-    if (c < 0x20 || c == 0x2028 || c == 0x2029 || c == 0x7F) c = u' ';
-  return s;
-}
-
-// Up to `width` columns of text before `at`, whole characters only.
-Piece LeftContext(const std::u16string &text, uint32_t at, int width) {
-  Piece p;
-  uint32_t i = at;
-  while (i > 0) {
-    uint32_t j = i - 1;
-    uint32_t c = text[j];
-    if (IsLowHalf(text[j]) && j > 0 && IsHighHalf(text[j - 1])) {
-      --j;
-      c = 0x10000 + ((text[j] - 0xD800u) << 10) + (text[j + 1] - 0xDC00u);
-    }
-    int w = c < 0x20 ? 1 : Columns(c);
-    if (p.columns + w > width) break;
-    p.columns += w;
-    i = j;
+// Reads one input, says how when it had to assume, searches it, prints.
+FileResult SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o, Printer &printer) {
+  const TDecodedText decoded = DecodeText(in.load(), o.given);
+  FileResult file{in.name, decoded.Encoding.Name(), EvidenceText(decoded.Evidence, o.encodingGiven),
+                  0};
+  if (decoded.Evidence == TEncodingEvidence::Given && !o.encodingGiven && !decoded.Text.empty())
+    std::cerr << "kestrel search: " << in.name << ": neither UTF-8 nor UTF-16, read as "
+              << file.encoding << " (--encoding names another)\n";
+  const std::vector<MatchSpan> found = matcher.FindAll(decoded.Text);
+  if (!found.empty()) {
+    const std::vector<uint32_t> starts = LineStarts(decoded.Text);
+    for (const MatchSpan &m : found)
+      printer.Print(file, Place(decoded.Text, starts, m.start, m.stop), decoded.Text);
   }
-  p.text = Flatten(text.substr(i, at - i));
-  return p;
+  file.matches = found.size();
+  printer.FileDone(file);
+  return file;
 }
-
-Piece RightContext(const std::u16string &text, uint32_t at, int width) {
-  Piece p;
-  uint32_t i = at;
-  while (i < text.size()) {
-    uint32_t c = text[i];
-    uint32_t units = 1;
-    if (IsHighHalf(text[i]) && i + 1 < text.size() && IsLowHalf(text[i + 1])) {
-      c = 0x10000 + ((text[i] - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      units = 2;
-    }
-    int w = c < 0x20 ? 1 : Columns(c);
-    if (p.columns + w > width) break;
-    p.columns += w;
-    i += units;
-  }
-  p.text = Flatten(text.substr(at, i - at));
-  return p;
-}
-
-// ---- Printers
-
-struct Hit {
-  const std::string *file;
-  uint32_t start, stop, line, column;
-};
-
-class Printer {
-public:
-  virtual ~Printer() = default;
-  virtual void Print(const Hit &hit, const std::u16string &text) = 0;
-  virtual void Finish(uint64_t matches, size_t files, size_t filesWithMatches) = 0;
-};
-
-class ConcordancePrinter : public Printer {
-public:
-  ConcordancePrinter(int width, size_t nameWidth) : width_(width), nameWidth_(nameWidth) {}
-  void Print(const Hit &h, const std::u16string &text) override {
-    Piece left = LeftContext(text, h.start, width_);
-    Piece right = RightContext(text, h.stop, width_);
-    std::string where = std::to_string(h.line) + ":" + std::to_string(h.column);
-    std::printf("%-*s %9s  %*s%s  %s  %s\n", static_cast<int>(nameWidth_), h.file->c_str(),
-                where.c_str(), width_ - left.columns, "", Utf16ToUtf8Lossless(left.text).c_str(),
-                Utf16ToUtf8Lossless(Flatten(text.substr(h.start, h.stop - h.start))).c_str(),
-                Utf16ToUtf8Lossless(right.text).c_str());
-  }
-  void Finish(uint64_t matches, size_t files, size_t withMatches) override {
-    std::printf("%llu match%s in %zu of %zu file%s\n", static_cast<unsigned long long>(matches),
-                matches == 1 ? "" : "es", withMatches, files, files == 1 ? "" : "s");
-  }
-
-private:
-  int width_;
-  size_t nameWidth_;
-};
-
-class JsonPrinter : public Printer {
-public:
-  JsonPrinter() { std::printf("["); }
-  void Print(const Hit &h, const std::u16string &text) override {
-    std::printf("%s\n  {\"file\": %s, \"start\": %u, \"stop\": %u, \"line\": %u, \"column\": %u, "
-                "\"match\": %s}",
-                first_ ? "" : ",", JsonString(*h.file).c_str(), h.start, h.stop, h.line, h.column,
-                JsonString(Utf16ToUtf8Lossless(text.substr(h.start, h.stop - h.start))).c_str());
-    first_ = false;
-  }
-  void Finish(uint64_t, size_t, size_t) override { std::printf("%s]\n", first_ ? "" : "\n"); }
-
-private:
-  bool first_ = true;
-};
 
 // ---- The command
 
-uint32_t SearchOne(TSearchEngine &engine, const Input &input, const std::u16string &text,
-                   Printer &printer) {
-  if (text.size() > 0x7FFFFFFF) throw EConvertError(input.name + ": text too long to search");
-  if (!engine.FindAll(text.data(), static_cast<uint32_t>(text.size()))) return 0;
-  const std::vector<uint32_t> starts = LineStarts(text);
-  for (uint32_t i = 0; i < engine.GetCount(); ++i) {
-    int32_t a = 0, b = 0;
-    engine.GetResult(i, a, b);
-    auto start = static_cast<uint32_t>(a), stop = static_cast<uint32_t>(b);
-    auto line = std::upper_bound(starts.begin(), starts.end(), start) - starts.begin();
-    uint32_t column = Characters(text, starts[line - 1], start) + 1;
-    printer.Print(Hit{&input.name, start, stop, static_cast<uint32_t>(line), column}, text);
-  }
-  return engine.GetCount();
-}
-
 int RunSearch(const Args &args) {
-  auto unknown =
-      args.Unknown({"case-sensitive", "ignore-marks", "compress-space", "whole-word", "width",
-                    "pattern-file", "encoding", "json", "files", "recursive", "regex"});
-  if (!unknown.empty()) throw UsageError{"unknown option --" + unknown.front()};
-  const TextEncoding encoding =
-      args.Has("encoding") ? ParseEncoding(args.Value("encoding")) : TextEncoding{};
-  const int64_t width = args.Number("width", 30);
-  if (width < 0 || width > 1000) throw UsageError{"--width must lie between 0 and 1000"};
+  const SearchOptions o = ReadOptions(args);
   std::vector<std::string> paths;
-  const std::u16string pattern = TakePattern(args, encoding, paths);
-  std::unique_ptr<TSearchEngine> engine = ChooseEngine(args, pattern);
+  const std::u16string pattern = TakePattern(args, o, paths);
+  std::unique_ptr<Matcher> matcher = Matcher::Make(pattern, o.match);
   SearchInputs sources(args.Value("files", "*.txt"), args.Has("recursive"));
-  const std::vector<Input> inputs = EnumerateInputs(paths, sources);
+  std::vector<Input> inputs;
+  for (const std::string &path : paths)
+    sources.Add(path, inputs);
 
   size_t nameWidth = 0;
   for (const Input &in : inputs)
     nameWidth = std::max(nameWidth, in.name.size());
-  std::unique_ptr<Printer> printer;
-  if (args.Has("json"))
-    printer = std::make_unique<JsonPrinter>();
-  else
-    printer = std::make_unique<ConcordancePrinter>(static_cast<int>(width), nameWidth);
-
+  std::unique_ptr<Printer> printer =
+      o.json ? MakeJsonPrinter(o.report) : MakeConcordancePrinter(o.width, nameWidth, o.report);
   Progress progress(false);
   const bool showProgress = inputs.size() >= 20;
   uint64_t matches = 0;
@@ -298,15 +157,14 @@ int RunSearch(const Args &args) {
     if (showProgress)
       progress.Update("searching " + std::to_string(++done) + "/" + std::to_string(inputs.size()) +
                       ": " + in.name);
-    const DecodedText decoded = DecodeText(in.load(), encoding);
-    uint32_t n = SearchOne(*engine, in, decoded.text, *printer);
-    matches += n;
-    withMatches += n > 0;
+    const FileResult r = SearchOne(in, *matcher, o, *printer);
+    matches += r.matches;
+    withMatches += r.matches > 0;
   }
   progress.Done();
   printer->Finish(matches, inputs.size(), withMatches);
   std::fflush(stdout);
-  return 0;
+  return matches > 0 ? 0 : 1;
 }
 
 const CommandRegistration kSearch{Command{
@@ -314,27 +172,38 @@ const CommandRegistration kSearch{Command{
     "a concordance: every match of a pattern in texts, in its context",
     "search [OPTIONS] PATTERN PATH...\n"
     "       search [OPTIONS] --pattern-file FILE PATH...\n"
-    "  Texts are UTF-16 with either byte-order mark, UTF-8 with or without mark,\n"
-    "  or what --encoding names. A PATH may be a folder or a ZIP archive: members\n"
-    "  of archives are searched as texts. Each match shows file, line, column\n"
-    "  (in characters, from 1), left context, the match and right context,\n"
-    "  aligned on the match.\n"
-    "  --regex              the pattern is a regular expression (case folded unless\n"
-    "                       --case-sensitive; goes with no other flag of the engine)\n"
+    "  A PATH may be a folder, a ZIP archive (its members are searched as texts) or -\n"
+    "  (standard input). Each file is read by its byte-order mark, as UTF-8 when it is\n"
+    "  valid UTF-8, as UTF-16 when its bytes show it, else in the --encoding given\n"
+    "  (windows-1252 by default, with a note). Each match shows file, line, column\n"
+    "  (in characters, from 1), left context, the match and right context, aligned on\n"
+    "  the match. Exit status 0 when something was found, 1 when nothing, 2 for bad use.\n"
+    "  --regex              the pattern is a regular expression: every leftmost-longest\n"
+    "                       match, as grep -E -o; [[:alpha:]], \\d \\s \\w, \\p{Lu} and the\n"
+    "                       other familiar forms are understood; \\b, look-around,\n"
+    "                       back-references and lazy quantifiers are refused\n"
+    "  --single-pass        with --regex: the library's one-pass engine, as it is\n"
     "  --case-sensitive     compare characters exactly (default: case folded)\n"
-    "  --ignore-marks       drop non-spacing marks from pattern and text\n"
-    "  --compress-space     a run of white space counts as one blank\n"
-    "  --whole-word         the match must start and end at white space or the text's ends\n"
+    "  --whole-word         no letter, digit, mark or connector just before or after\n"
+    "                       the match (line breaks and punctuation are bounds)\n"
+    "  --ignore-marks       accents do not count: text and pattern are decomposed and\n"
+    "                       their non-spacing marks dropped (\"ceske\" finds \"\xC4\x8D"
+    "esk\xC3\xA9\")\n"
+    "  --compress-space     a run of white space counts as one blank (not with --regex)\n"
     "  --width N            columns of context on each side (default 30)\n"
-    "  --pattern-file FILE  read the pattern from FILE, decoded like the texts\n"
+    "  --pattern-file FILE  read the pattern from FILE, read like the texts\n"
     "                       (one final line break is dropped)\n"
-    "  --encoding ENC       for texts without a mark: a code page (1252, cp1251...),\n"
-    "                       utf-8 (the default), utf-16le or utf-16be\n"
+    "  --encoding ENC       for texts that show no encoding: a code page (1252, cp1251,\n"
+    "                       latin1, koi8-r, shift_jis, iso-8859-2...), utf-8, utf-16le,\n"
+    "                       utf-16be\n"
     "  --files MASKS        in folders and archives, the files to search: up to 10\n"
     "                       masks separated by \";\" (default \"*.txt\")\n"
     "  --recursive          search the sub-folders of a folder too\n"
+    "  --report             after the matches, a line per file: matches and encoding\n"
     "  --json               a JSON array: file, start and stop (UTF-16 unit offsets\n"
-    "                       into the decoded text), line, column and the match",
+    "                       into the decoded text), line, column, the match and the\n"
+    "                       file's encoding; with --report an object {\"matches\": [...],\n"
+    "                       \"files\": [...]}",
     {"width", "pattern-file", "encoding", "files"},
     RunSearch}};
 

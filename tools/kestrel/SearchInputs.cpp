@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/kestrel.h>
-
-#include "TextFiles.h"
 
 namespace kestrel::cli {
 
@@ -77,8 +77,20 @@ SearchInputs::SearchInputs(std::string masks, bool recursive)
 
 SearchInputs::~SearchInputs() = default;
 
+namespace {
+
+std::string ReadStandardInput() {
+  std::ostringstream bytes;
+  bytes << std::cin.rdbuf();
+  return bytes.str();
+}
+
+} // namespace
+
 void SearchInputs::Add(const std::string &path, std::vector<Input> &inputs) {
-  if (DirectoryExists(path))
+  if (path == "-")
+    inputs.push_back({"(standard input)", ReadStandardInput});
+  else if (DirectoryExists(path))
     AddFolder(path, inputs);
   else if (IsAZipFile(path) && FileExists(path))
     AddArchive(path, inputs);
@@ -93,6 +105,7 @@ void SearchInputs::AddFolder(const std::string &folder, std::vector<Input> &inpu
   collector.List(folder);
   if (recursive_) scanner.ProcessAllSubDirectories(folder);
   if (collector.failed) throw EInOutError("the scan of " + folder + " failed");
+  if (collector.found.empty()) NoteUnmatchedFolder(folder);
   for (const TMySearchRec &rec : collector.found) {
     if (rec.ZipNumber == 0) {
       const std::string name = rec.Name;
@@ -105,6 +118,17 @@ void SearchInputs::AddFolder(const std::string &folder, std::vector<Input> &inpu
     const int32_t number = rec.ZipNumber;
     inputs.push_back({name, [reader, name, number] { return reader->Load(name, number); }});
   }
+}
+
+// A folder that holds files, none of which the masks take: say so, since
+// the masks are easy to forget.
+void SearchInputs::NoteUnmatchedFolder(const std::string &folder) const {
+  TPeruseDir all("*", "*", "*", false, true, faAnyFile);
+  std::unique_ptr<TMySearchRecList> list(all.ListofAllFilesIn(folder));
+  if (!list || list->Count() == 0) return;
+  std::cerr << "kestrel search: " << folder << ": none of its " << list->Count() << " file"
+            << (list->Count() == 1 ? "" : "s") << " matches --files \"" << masks_
+            << "\" (give --files to search others, e.g. --files \"*\")\n";
 }
 
 void SearchInputs::AddArchive(const std::string &archive, std::vector<Input> &inputs) {

@@ -18,7 +18,8 @@ struct Input {
 
 class MemberReader;
 
-// Turns folder and archive paths into inputs; other paths stay plain files.
+// Turns folder and archive paths into inputs; "-" is standard input; other
+// paths stay plain files.
 class SearchInputs {
 public:
   // masks: the file masks, also used for archive members.
@@ -29,6 +30,7 @@ public:
 private:
   void AddFolder(const std::string &folder, std::vector<Input> &inputs);
   void AddArchive(const std::string &archive, std::vector<Input> &inputs);
+  void NoteUnmatchedFolder(const std::string &folder) const;
   std::string masks_;
   bool recursive_;
   std::shared_ptr<MemberReader> members_;

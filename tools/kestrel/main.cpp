@@ -38,8 +38,8 @@ int main(int argc, char **argv) {
       rc = cmd.run(args);
     }
   } catch (const cli::UsageError &e) {
-    std::cerr << "kestrel " << cmd.name << ": " << e.message << "\nusage: kestrel " << cmd.usage
-              << "\n";
+    std::cerr << "kestrel " << cmd.name << ": " << e.message << " (see kestrel " << cmd.name
+              << " --help)\n";
     rc = 2;
   } catch (const kestrel::Exception &e) {
     std::cerr << "kestrel " << cmd.name << ": " << e.Message() << "\n";

@@ -6,42 +6,28 @@
 #include <cstring>
 #include <new>
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
-
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/frame/platform/CharCase.h>
 
 namespace kestrel {
 
 namespace {
 
-// Decodes one code point at s[i]; gives -1 (and length 1) for a byte that
-// starts no valid UTF-8 sequence.
-UChar32 NextCodePoint(std::string_view s, size_t i, size_t &len) {
-  UChar32 c;
-  int32_t pos = 0, n = static_cast<int32_t>(std::min<size_t>(s.size() - i, 4));
-  U8_NEXT(reinterpret_cast<const uint8_t *>(s.data() + i), pos, n, c);
-  len = c < 0 ? 1 : static_cast<size_t>(pos);
-  return c;
-}
-
 template <typename Map> std::string MapCase(std::string_view s, Map map) {
   std::string r(s);
   for (size_t i = 0; i < r.size();) {
     unsigned char b = static_cast<unsigned char>(r[i]);
-    if (b < 0x80) { // the common case, without ICU
+    if (b < 0x80) { // the common case: one byte, nothing to decode
       r[i] = static_cast<char>(map(b));
       ++i;
       continue;
     }
     size_t len;
-    UChar32 c = NextCodePoint(r, i, len);
+    int32_t c = DecodeUtf8(r, i, len);
     if (c >= 0) {
-      UChar32 m = map(c);
-      if (m != c && U8_LENGTH(m) == static_cast<int32_t>(len)) {
-        int32_t pos = 0; // same length, so it fits where the old one was
-        U8_APPEND_UNSAFE(reinterpret_cast<uint8_t *>(r.data() + i), pos, m);
-      }
+      char32_t m = map(static_cast<char32_t>(c));
+      if (m != static_cast<char32_t>(c) && Utf8Length(m) == len)
+        EncodeUtf8(m, r.data() + i); // same length, so it fits where the old one was
     }
     i += len;
   }
@@ -54,13 +40,13 @@ int32_t KeyAt(std::string_view s, size_t &i, bool fold) {
   unsigned char b = static_cast<unsigned char>(s[i]);
   if (b < 0x80) {
     ++i;
-    return fold ? u_foldCase(b, U_FOLD_CASE_DEFAULT) : b;
+    return fold ? static_cast<int32_t>(SimpleCaseFold(b)) : b;
   }
   size_t len;
-  UChar32 c = NextCodePoint(s, i, len);
+  int32_t c = DecodeUtf8(s, i, len);
   i += len;
   if (c < 0) return 0x110000 + b;
-  return fold ? u_foldCase(c, U_FOLD_CASE_DEFAULT) : c;
+  return fold ? static_cast<int32_t>(SimpleCaseFold(static_cast<char32_t>(c))) : c;
 }
 
 int Compare(std::string_view a, std::string_view b, bool fold) {
@@ -76,11 +62,11 @@ int Compare(std::string_view a, std::string_view b, bool fold) {
 } // namespace
 
 std::string AnsiLowerCase(std::string_view s) {
-  return MapCase(s, [](UChar32 c) { return u_tolower(c); });
+  return MapCase(s, SimpleLowerCase);
 }
 
 std::string AnsiUpperCase(std::string_view s) {
-  return MapCase(s, [](UChar32 c) { return u_toupper(c); });
+  return MapCase(s, SimpleUpperCase);
 }
 
 std::string AnsiLowerCaseFileName(std::string_view s) {
@@ -115,7 +101,7 @@ std::u32string CodePointsOf(std::string_view s, std::vector<size_t> *offsets) {
     if (offsets) offsets->push_back(i);
     size_t len;
     unsigned char b = static_cast<unsigned char>(s[i]);
-    UChar32 c = b < 0x80 ? (len = 1, b) : NextCodePoint(s, i, len);
+    int32_t c = b < 0x80 ? (len = 1, b) : DecodeUtf8(s, i, len);
     r.push_back(c < 0 ? char32_t(0x110000 + b) : char32_t(c));
     i += len;
   }
@@ -124,7 +110,7 @@ std::u32string CodePointsOf(std::string_view s, std::vector<size_t> *offsets) {
 
 char32_t UpperCodePoint(char32_t c) {
   if (c < 0x80) return c >= 'a' && c <= 'z' ? c - 32 : c;
-  return c < 0x110000 ? char32_t(u_toupper(static_cast<UChar32>(c))) : c;
+  return c < 0x110000 ? SimpleUpperCase(c) : c;
 }
 
 namespace {

@@ -13,6 +13,7 @@
 #include <kestrel/frame/host/DateUtils.h>
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/host/TFileStream.h>
+#include <kestrel/frame/host/Wildcards.h>
 #include <kestrel/frame/platform/Platform.h>
 
 namespace kestrel {
@@ -26,25 +27,7 @@ namespace {
 
 // "*" and "?" over code points, letters without case; brackets are plain.
 bool Glob(std::u32string_view name, std::u32string_view mask) {
-  size_t si = 0, pi = 0, starP = SIZE_MAX, starS = 0;
-  while (si < name.size()) {
-    if (pi < mask.size() && mask[pi] == U'*') {
-      starP = pi++;
-      starS = si;
-    } else if (pi < mask.size() &&
-               (mask[pi] == U'?' || UpperCodePoint(mask[pi]) == UpperCodePoint(name[si]))) {
-      ++pi;
-      ++si;
-    } else if (starP != SIZE_MAX) {
-      pi = starP + 1;
-      si = ++starS;
-    } else {
-      return false;
-    }
-  }
-  while (pi < mask.size() && mask[pi] == U'*')
-    ++pi;
-  return pi == mask.size();
+  return WildcardPattern::StarsAndQuestionMarks(mask).Matches(name);
 }
 
 int32_t AttributesOf(const std::string &name, const struct stat &st) {

@@ -17,3 +17,4 @@
 #include <kestrel/frame/host/TStream.h>
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/frame/host/Types.h>
+#include <kestrel/frame/host/Wildcards.h>

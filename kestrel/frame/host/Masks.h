@@ -15,9 +15,9 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <kestrel/frame/host/TObject.h>
+#include <kestrel/frame/host/Wildcards.h>
 
 namespace kestrel {
 
@@ -29,15 +29,7 @@ public:
   bool Matches(std::string_view name) const;
 
 private:
-  enum class Kind : uint8_t { Literal, Any, Star, Set };
-  struct Step {
-    Kind kind;
-    bool negate = false;
-    char32_t ch = 0;                                   // Literal: upper-case form
-    std::vector<std::pair<char32_t, char32_t>> ranges; // Set: upper-case bounds
-  };
-  bool StepMatches(const Step &step, char32_t c) const;
-  std::vector<Step> FSteps;
+  WildcardPattern FPattern;
 };
 
 // The host's one-call form.

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace kestrel {
 
@@ -103,6 +104,18 @@ int32_t MultiByteToWideChar(uint32_t codePage, uint32_t flags, const char *bytes
 int32_t WideCharToMultiByte(uint32_t codePage, uint32_t flags, const char16_t *wide,
                             int32_t unitCount, char *bytes, int32_t capacity,
                             const char *defaultChar, bool *usedDefaultChar);
+
+// The code page an encoding name stands for: a number ("1252", "cp1252",
+// "windows-1252", "ibm-850"), or any name or alias that ICU's converters know
+// ("latin1", "koi8-r", "shift_jis", "utf-16be"). A name that no Windows code
+// page converts alike gets a number of its own, from 0x10000 up, which the
+// conversions above take for the life of the process. 1200 and 1201 stand for
+// UTF-16LE and UTF-16BE (no byte code pages: the conversions above refuse
+// them). 0 for a name nobody knows.
+uint32_t CodePageFromName(std::string_view name);
+// A name for a code page ("windows-1252", "ISO-8859-2", "UTF-8",
+// "UTF-16LE"); "" for one the conversions do not know.
+std::string CodePageName(uint32_t codePage);
 
 // ---- Comparison -------------------------------------------------------------
 inline constexpr uint32_t NORM_IGNORECASE = 0x00000001;

@@ -66,6 +66,7 @@ bool IsWideForm(uint32_t cp) {
 }
 
 UConverter *OpenConverter(uint32_t cp) {
+  if (std::string name; nls::RegisteredConverter(cp, name)) return OpenByName(name);
   if (IsWideForm(cp)) return nullptr;
   for (const auto &row : kNamedCodePages)
     if (row.codePage == cp) return OpenByName(row.icuName);
@@ -316,6 +317,19 @@ bool Encode(uint32_t cp, std::u16string_view text, const char *defaultChar, bool
 
 } // namespace
 
+std::string CodePageName(uint32_t codePage) {
+  if (codePage == 1200) return "UTF-16LE";
+  if (codePage == 1201) return "UTF-16BE";
+  if (std::string name; nls::RegisteredConverter(codePage, name, true)) return name;
+  for (const auto &row : kNamedCodePages)
+    if (row.codePage == codePage) return row.icuName;
+  if (codePage == CP_SYMBOL) return "symbol";
+  if (!IsValidCodePage(codePage)) return "";
+  // The DOS pages go by their IBM names, as Windows knows them.
+  const bool windows = codePage >= 1250 || (codePage >= 874 && codePage <= 950);
+  return (windows ? "windows-" : "ibm-") + std::to_string(codePage);
+}
+
 bool IsValidCodePage(uint32_t codePage) {
   if (codePage == CP_SYMBOL) return true;
   if (codePage <= CP_THREAD_ACP) return false; // the pseudo pages are no code pages of their own
@@ -369,6 +383,14 @@ std::string ToSystemBytes(std::u16string_view text) {
 
 bool DecodeBytes(uint32_t codePage, std::string_view bytes, std::u16string &out) {
   return Decode(ActualCodePage(codePage), bytes, false, out);
+}
+
+std::string CanonicalConverterName(uint32_t codePage) {
+  Converter *c = ConverterFor(codePage);
+  if (!c) return "";
+  UErrorCode err = U_ZERO_ERROR;
+  const char *name = ucnv_getName(c->conv, &err);
+  return U_SUCCESS(err) && name ? name : "";
 }
 
 bool EncodeText(uint32_t codePage, std::u16string_view text, std::string &out) {

@@ -27,4 +27,11 @@ bool AnsiCodePageOf(LCID locale, uint32_t &codePage);
 bool DecodeBytes(uint32_t codePage, std::string_view bytes, std::u16string &out);
 bool EncodeText(uint32_t codePage, std::u16string_view text, std::string &out);
 
+// The ICU converter behind a number that CodePageFromName gave to a name no
+// Windows code page stands for (the name it opens by, or the one to show);
+// false for any other number.
+bool RegisteredConverter(uint32_t codePage, std::string &icuName, bool shown = false);
+// The canonical name of the ICU converter of a byte code page; "" if none.
+std::string CanonicalConverterName(uint32_t codePage);
+
 } // namespace kestrel::nls

@@ -1,5 +1,14 @@
 // The platform layer: the system operations the library's units call, under
-// the names and with the contracts those units rely on, built on POSIX.
+// their Windows names and with the contracts those units rely on, built on
+// POSIX and ICU.
+//
+// The boundary of the system: only kestrel/frame touches the operating system,
+// ICU and libzip. Inside it, platform/ gives the operations (this header;
+// Nls.h for locales, code pages and collation; CharCase.h for the simple case
+// of a code point; TempPath.h; Resources.h), while host/ and zip/ rebuild the
+// closed class framework and the closed ZIP component, which stood on the
+// system themselves, directly on POSIX and libzip. Everything else (unicode,
+// search, vocabulary, language, files) reaches the system only through these.
 #pragma once
 
 #include <cstdint>

@@ -1,0 +1,244 @@
+// The accelerator of the regular-expression engine: tables built after a
+// compile from the engine's own symbol test, and the search for the units that
+// can begin a match, many units at a time with SSE2 or AVX2.
+#include <kestrel/search/UREFastScan.h>
+
+#include <bitset>
+#include <mutex>
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#endif
+
+#include <kestrel/search/URESearch.h>
+#include <kestrel/search/UREUtil.h>
+#include <kestrel/unicode/Unicode.h>
+
+namespace kestrel {
+
+namespace {
+
+constexpr uint32_t StepTableMaxStates = 1024;
+constexpr uint32_t DecisionCacheSize = 4096;
+
+inline uint32_t DecisionSlot(uint32_t state, UCS4 c) {
+  return ((c * 0x9E3779B1u) ^ (state * 0x85EBCA77u)) >> 20; // 12 bits
+}
+
+} // namespace
+
+void TUREFastScan::Clear() {
+  FStartLow.clear();
+  FStartSpan.clear();
+  FStartUnitsKnown = false;
+  FStartSkipsHigh = false;
+  FStep.clear();
+  FDecisions.clear();
+}
+
+void TUREFastScan::Build(const TDFA &Dfa) {
+  Clear();
+  const uint32_t n = Dfa.StateList.StatesUsed;
+  if (n == 0) return;
+  FDecisions.assign(DecisionCacheSize, TDecisionCache{});
+  if (n > StepTableMaxStates) return;
+  FStep.resize(size_t(n) * 256);
+  for (uint32_t s = 0; s < n; ++s)
+    for (UCS4 c = 0; c < 256; ++c)
+      FStep[s * 256 + c] = (c == 0x0A || c == 0x0D) ? Anchored : Decide(Dfa, s, c);
+  FindStartUnits(Dfa);
+}
+
+int32_t TUREFastScan::Decision(const TDFA &Dfa, uint32_t State, UCS4 C) {
+  TDecisionCache &slot = FDecisions[DecisionSlot(State, C)];
+  if (slot.Code != C || slot.State != State) slot = TDecisionCache{C, State, Decide(Dfa, State, C)};
+  return slot.Target;
+}
+
+// The winning transition on C in state Cur where no anchor can accept: not at
+// the first unit of a text, C no line separator, flags 0.
+int32_t TUREFastScan::Decide(const TDFA &DFA, uint32_t Cur, UCS4 C) {
+  UCS4 f = (DFA.Flags & FoldCase) ? UnicodeToLower(C) : C;
+  const TDFAState &st = DFA.StateList.States[Cur];
+  for (uint32_t i = st.NumberTransitions; i-- > 0;) {
+    const TTransition &tr = DFA.TransitionList.Transitions[st.StartTransition + i];
+    if (URESymbolAccepts(DFA.SymbolTable.Symbols[tr.Symbol], 0, f)) return int32_t(tr.NextState);
+  }
+  return NoTarget;
+}
+
+namespace {
+
+// The units below 256 that are the lower-case form of some character from
+// U+0100 up (the dotted I, the Kelvin and Angstrom signs...). The case table
+// maps nothing above U+FFFF, so the basic plane is all there is to look at.
+const std::bitset<256> &FoldTargetsBelow256() {
+  static std::bitset<256> targets;
+  static std::once_flag once;
+  std::call_once(once, [] {
+    for (UCS4 c = 0x100; c < 0x10000; ++c)
+      if (c < 0xD800 || c > 0xDFFF)
+        if (UCS4 l = UnicodeToLower(c); l < 256) targets.set(l);
+  });
+  return targets;
+}
+
+} // namespace
+
+// Whether some code point from 256 up, folded as the scan folds it, could be
+// accepted by the symbol.
+bool TUREFastScan::MayAcceptAbove255(const TSymbolTableEntry &Sym, bool fold) {
+  switch (Sym.SymbolType) {
+  case CharSymbol:
+    return Sym.Symbol.Chr >= 256 || (fold && FoldTargetsBelow256().test(Sym.Symbol.Chr));
+  case ClassSymbol: {
+    if (Sym.Props != 0) return true;
+    const TCClass &ccl = Sym.Symbol.CCL;
+    for (int32_t i = 0; i < ccl.RangesUsed; ++i) {
+      if (ccl.Ranges[i].High >= 256) return true;
+      if (fold)
+        for (UCS4 c = ccl.Ranges[i].Low; c <= ccl.Ranges[i].High; ++c)
+          if (FoldTargetsBelow256().test(c)) return true;
+    }
+    return false;
+  }
+  default: // the dot, negated classes, anchors
+    return true;
+  }
+}
+
+void TUREFastScan::FindStartUnits(const TDFA &DFA) {
+  if (DFA.StateList.States[0].Accepting) return;
+  const TDFAState &st = DFA.StateList.States[0];
+  bool high = false;
+  for (uint32_t i = 0; i < st.NumberTransitions && !high; ++i)
+    high = MayAcceptAbove255(
+        DFA.SymbolTable.Symbols[DFA.TransitionList.Transitions[st.StartTransition + i].Symbol],
+        (DFA.Flags & FoldCase) != 0);
+  FStartSkipsHigh = !high;
+  // The units that may begin a match, as ranges of consecutive units.
+  std::vector<uint16_t> low, span;
+  for (UCS4 c = 0; c < 256; ++c) {
+    int32_t target = FStep[c];
+    if (target == Anchored && !high) // no anchor in the start state
+      target = Decide(DFA, 0, c);
+    if (target == NoTarget) continue;
+    if (!low.empty() && low.back() + span.back() + 1 == int(c)) {
+      ++span.back();
+    } else {
+      low.push_back(uint16_t(c));
+      span.push_back(0);
+    }
+  }
+  if (low.size() <= 8) {
+    FStartLow = std::move(low);
+    FStartSpan = std::move(span);
+    FStartUnitsKnown = true;
+  }
+}
+
+namespace {
+
+// Finds the first unit in one of the ranges [Low[i], Low[i] + Span[i]].
+using TStartFinder = const char16_t *(*)(const char16_t *, const char16_t *, const uint16_t *,
+                                         const uint16_t *, size_t);
+
+const char16_t *FindStartPlain(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                               const uint16_t *Span, size_t K) {
+  for (; Run < End; ++Run)
+    for (size_t i = 0; i < K; ++i)
+      if (uint16_t(*Run - Low[i]) <= Span[i]) return Run;
+  return End;
+}
+
+#if defined(__x86_64__) || defined(__i386__)
+const char16_t *FindStartSse2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                              const uint16_t *Span, size_t K) {
+  __m128i low[8], span[8];
+  for (size_t i = 0; i < K; ++i) {
+    low[i] = _mm_set1_epi16(short(Low[i]));
+    span[i] = _mm_set1_epi16(short(Span[i]));
+  }
+  const __m128i zero = _mm_setzero_si128();
+  while (End - Run >= 8) {
+    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run));
+    __m128i hit = zero;
+    for (size_t i = 0; i < K; ++i) // unit - low, saturated against the span, is 0 inside
+      hit = _mm_or_si128(hit,
+                         _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(v, low[i]), span[i]), zero));
+    if (int mask = _mm_movemask_epi8(hit)) return Run + (__builtin_ctz(unsigned(mask)) >> 1);
+    Run += 8;
+  }
+  return FindStartPlain(Run, End, Low, Span, K);
+}
+
+// Up to Cap ranges stay in registers; with Cap known at compile time for a
+// few ranges the loop over them unrolls.
+template <size_t Cap>
+__attribute__((target("avx2"))) const char16_t *
+FindStartAvx2K(const char16_t *Run, const char16_t *End, const uint16_t *Low, const uint16_t *Span,
+               size_t K = Cap) {
+  __m256i low[Cap], span[Cap];
+  for (size_t i = 0; i < K; ++i) {
+    low[i] = _mm256_set1_epi16(short(Low[i]));
+    span[i] = _mm256_set1_epi16(short(Span[i]));
+  }
+  const __m256i zero = _mm256_setzero_si256();
+  while (End - Run >= 16) {
+    __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run));
+    __m256i hit = zero;
+    for (size_t i = 0; i < K; ++i)
+      hit = _mm256_or_si256(
+          hit, _mm256_cmpeq_epi16(_mm256_subs_epu16(_mm256_sub_epi16(v, low[i]), span[i]), zero));
+    if (unsigned mask = unsigned(_mm256_movemask_epi8(hit)))
+      return Run + (__builtin_ctz(mask) >> 1);
+    Run += 16;
+  }
+  return FindStartSse2(Run, End, Low, Span, K);
+}
+
+const char16_t *FindStartAvx2(const char16_t *Run, const char16_t *End, const uint16_t *Low,
+                              const uint16_t *Span, size_t K) {
+  switch (K) {
+  case 1:
+    return FindStartAvx2K<1>(Run, End, Low, Span);
+  case 2:
+    return FindStartAvx2K<2>(Run, End, Low, Span);
+  case 3:
+    return FindStartAvx2K<3>(Run, End, Low, Span);
+  case 4:
+    return FindStartAvx2K<4>(Run, End, Low, Span);
+  default:
+    return FindStartAvx2K<8>(Run, End, Low, Span, K);
+  }
+}
+
+// Chosen while the library loads, before the CPU model may have been read.
+TStartFinder ChooseStartFinder() {
+  __builtin_cpu_init();
+  return __builtin_cpu_supports("avx2") ? FindStartAvx2 : FindStartSse2;
+}
+#else
+TStartFinder ChooseStartFinder() {
+  return FindStartPlain;
+}
+#endif
+
+const TStartFinder FindStart = ChooseStartFinder();
+
+} // namespace
+
+// The first unit from Run on that may begin a match, in the start state and
+// away from the first unit of the text; End if there is none.
+const char16_t *TUREFastScan::SkipToStart(const char16_t *Run, const char16_t *End) const {
+  if (FStartUnitsKnown && FStartSkipsHigh)
+    return FindStart(Run, End, FStartLow.data(), FStartSpan.data(), FStartLow.size());
+  while (Run < End) {
+    char16_t u = *Run;
+    if (u < 256 ? FStep[u] != NoTarget : !FStartSkipsHigh) return Run;
+    ++Run;
+  }
+  return End;
+}
+
+} // namespace kestrel

@@ -1,0 +1,61 @@
+// TUREFastScan: the accelerator of the regular-expression engine, our own
+// addition to it. After a compile it holds, for each state and unit below 256,
+// the target of the transition that wins there (a step table), the same
+// decisions for other code points in a small cache, and the units a match
+// can begin with, which it finds many units at a time (SSE2 or AVX2). All of
+// it comes from the engine's own symbol test, so the fast scan gives the
+// plain scan's results.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <kestrel/frame/host/Types.h>
+
+namespace kestrel {
+
+struct TDFA;
+struct TSymbolTableEntry;
+
+class TUREFastScan {
+public:
+  static constexpr int32_t NoTarget = -1; // no symbol accepts
+  static constexpr int32_t Anchored = -2; // a line separator: an anchor may accept
+
+  // Builds the tables of an automaton; forgets them.
+  void Build(const TDFA &Dfa);
+  void Clear();
+
+  // Whether the tables were built (an automaton with states).
+  bool Ready() const { return !FDecisions.empty(); }
+  // The step table, state x 256 + unit: the winning target away from the first
+  // unit of a text, with flags 0; null for an automaton too large for one.
+  const int32_t *StepTable() const { return FStep.empty() ? nullptr : FStep.data(); }
+  // The winning target on a code point (already folded, no line separator)
+  // away from the first unit of a text, through the cache.
+  int32_t Decision(const TDFA &Dfa, uint32_t State, UCS4 C);
+  // The first unit from Run on that may begin a match in the start state,
+  // away from the first unit of the text; End if there is none.
+  const char16_t *SkipToStart(const char16_t *Run, const char16_t *End) const;
+
+private:
+  static int32_t Decide(const TDFA &Dfa, uint32_t Cur, UCS4 C);
+  static bool MayAcceptAbove255(const TSymbolTableEntry &Sym, bool fold);
+  void FindStartUnits(const TDFA &Dfa);
+
+  std::vector<int32_t> FStep;
+  struct TDecisionCache {
+    uint32_t Code = 0xFFFFFFFF;
+    uint32_t State = 0;
+    int32_t Target = 0;
+  };
+  std::vector<TDecisionCache> FDecisions; // direct-mapped, filled by the scan
+  // Where a new attempt can begin: the units below 256 that do not fail in the
+  // start state, as at most 8 ranges (first unit and length - 1), and whether
+  // every unit from 256 up fails there.
+  std::vector<uint16_t> FStartLow, FStartSpan;
+  bool FStartUnitsKnown = false;
+  bool FStartSkipsHigh = false;
+};
+
+} // namespace kestrel

@@ -1,0 +1,18 @@
+// Runs the built kestrel program, as a user would from a shell.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrel::test {
+
+struct KestrelRun {
+  int status = -1; // the exit code; -1 when the program did not exit by itself
+  std::string out, err;
+};
+
+// Runs kestrel with these arguments (no shell between) in the folder given
+// (the current one when empty), with standard input from /dev/null.
+KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder = "");
+
+} // namespace kestrel::test

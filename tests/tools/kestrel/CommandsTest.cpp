@@ -1,0 +1,222 @@
+// The kestrel commands end to end: each row of the table runs the built program
+// in a fresh copy of the input files (inputs/) and compares what it prints (exit code,
+// standard output, standard error, and any file it was asked to leave) with a
+// golden file in golden/. KESTREL_UPDATE_GOLDEN=1 rewrites the golden files
+// instead; review the difference before committing it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "support/RunKestrel.h"
+#include "support/TestSupport.h"
+#include "support/ZipWriter.h"
+
+namespace kestrel::test {
+namespace {
+
+struct Row {
+  const char *golden;                  // golden/<golden>.txt
+  std::vector<std::string> args;       // run in the folder of input files
+  std::vector<std::string> files = {}; // files whose content (or absence) is part of the result
+};
+
+// clang-format off
+const Row kRows[] = {
+    // char: properties, text fields, JSON, bad arguments.
+    {"char-text", {"char", "A\xC3\xA9\xC2\xBD", "\xF0\x90\x80\x80"}},
+    {"char-code-points", {"char", "U+10000", "u+2169", "U+0009", "U+01C5", "U+1F82", "U+0345", "U+AC01", "U+D7A4"}},
+    {"char-json", {"char", "--json", "\xC2\xBD", "U+0041", "U+00C0", "U+10000"}},
+    {"char-no-argument", {"char"}},
+    {"char-unknown-option", {"char", "--frobnicate", "A"}},
+    {"char-cut-sequence", {"char", "ok", "\xC3"}},
+    {"char-overlong", {"char", "\xC0\x80"}},
+    {"char-encoded-surrogate", {"char", "\xED\xA0\x80"}},
+    {"char-above-range", {"char", "\xF4\x90\x80\x80"}},
+    // convert: names of encodings, marks, surrogates, replacements, failures.
+    {"convert-1252-to-utf8", {"convert", "--from", "1252", "--to", "utf-8", "cp1252.txt"}},
+    {"convert-utf8-to-1252", {"convert", "--from", "utf-8", "--to", "windows-1252", "cafe-utf8.txt"}},
+    {"convert-932-to-utf8", {"convert", "--from", "932", "--to", "utf-8", "sjis.txt"}},
+    {"convert-utf8-to-cp932", {"convert", "--from", "utf8", "--to", "cp932", "nihon-utf8.txt"}},
+    {"convert-949-to-950", {"convert", "--from", "949", "--to", "950", "korean.txt"}},
+    {"convert-empty", {"convert", "--from", "1252", "--to", "utf-8", "empty.txt"}},
+    {"convert-to-utf16", {"convert", "--from", "utf-8", "--to", "utf-16", "cafe-utf8.txt"}},
+    {"convert-to-utf16be", {"convert", "--from", "utf-8", "--to", "utf-16be", "cafe-utf8.txt"}},
+    {"convert-to-utf16-no-bom", {"convert", "--from", "utf-8", "--to", "utf-16", "--no-bom", "cafe-utf8.txt"}},
+    {"convert-utf16be-in", {"convert", "--from", "utf-16", "--to", "utf-8", "be.txt"}},
+    {"convert-utf16-no-mark-in", {"convert", "--from", "utf-16", "--to", "utf-8", "a-utf16.bin"}},
+    {"convert-utf8-mark-dropped", {"convert", "--from", "utf-8", "--to", "1252", "u8bom.txt"}},
+    {"convert-utf8-mark-asked", {"convert", "--from", "1252", "--to", "utf-8", "--bom", "cp1252.txt"}},
+    {"convert-pair-to-utf8", {"convert", "--from", "utf-16", "--to", "utf-8", "pair.bin"}},
+    {"convert-lone-half-to-utf8", {"convert", "--from", "utf-16", "--to", "utf-8", "lone.bin"}},
+    {"convert-lone-half-back", {"convert", "--from", "utf-8", "--to", "utf-16", "lone-utf8.bin"}},
+    {"convert-replacements", {"convert", "--from", "utf-8", "--to", "1252", "han.txt", "out.bin"}, {"out.bin"}},
+    {"convert-unknown-code-page", {"convert", "--from", "12345", "--to", "utf-8", "cp1252.txt", "out.bin"}, {"out.bin"}},
+    {"convert-unknown-name", {"convert", "--from", "klingon", "--to", "utf-8", "cp1252.txt"}},
+    {"convert-odd-utf16", {"convert", "--from", "utf-16", "--to", "utf-8", "odd.bin", "keep.bin"}, {"keep.bin"}},
+    {"convert-missing-input", {"convert", "--from", "1252", "--to", "utf-8", "none.txt"}},
+    {"convert-no-from", {"convert", "--to", "utf-8"}},
+    {"convert-too-many", {"convert", "--from", "1252", "--to", "utf-8", "a", "b", "c"}},
+    // search: encodings, flags, context, pattern files, code pages.
+    {"search-encodings", {"search", "--json", "kestrel", "le.txt", "be.txt", "u8.txt", "u8bom.txt"}},
+    {"search-folded", {"search", "--json", "kestrel", "flags.txt"}},
+    {"search-case-sensitive", {"search", "--json", "--case-sensitive", "Kestrel", "flags.txt"}},
+    {"search-whole-word", {"search", "--json", "--whole-word", "kestrel", "flags.txt"}},
+    {"search-compress-space", {"search", "--json", "--compress-space", "a b", "flags.txt"}},
+    {"search-no-compress", {"search", "--json", "a b", "flags.txt"}},
+    {"search-ignore-marks", {"search", "--json", "--ignore-marks", "crecerelle", "flags.txt"}},
+    {"search-context", {"search", "--width", "10", "falcon", "falcon.txt"}},
+    {"search-pattern-file", {"search", "--json", "--pattern-file", "half-pattern.txt", "half-text.txt"}},
+    {"search-encoding-1252", {"search", "--json", "--encoding", "1252", "caf\xC3\xA9", "latin.txt"}},
+    {"search-encoding-cp1252", {"search", "--encoding", "cp1252", "caf", "latin.txt"}},
+    {"search-missing-file", {"search", "word", "missing.txt"}},
+    {"search-unknown-encoding", {"search", "--encoding", "nonsense", "word", "latin.txt"}},
+    {"search-no-path", {"search", "word"}},
+    {"search-unknown-option", {"search", "--bogus", "word", "latin.txt"}},
+    {"search-negative-width", {"search", "--width", "-3", "word", "latin.txt"}},
+    // search --regex.
+    {"regex-matches", {"search", "--regex", "--json", "k[a-z]+l", "regex.txt"}},
+    {"regex-folded", {"search", "--regex", "--json", "^KES", "regex.txt"}},
+    {"regex-case-sensitive-none", {"search", "--regex", "--json", "--case-sensitive", "^KES", "regex.txt"}},
+    {"regex-case-sensitive", {"search", "--regex", "--case-sensitive", "^kes", "regex.txt"}},
+    {"regex-pattern-file", {"search", "--regex", "--json", "--pattern-file", "class-pattern.txt", "regex.txt"}},
+    {"regex-group-open", {"search", "--regex", "(ab", "regex.txt"}},
+    {"regex-empty-group", {"search", "--regex", "()", "regex.txt"}},
+    {"regex-no-operand", {"search", "--regex", "*a", "regex.txt"}},
+    {"regex-whole-word", {"search", "--regex", "--whole-word", "kes", "regex.txt"}},
+    {"regex-ignore-marks", {"search", "--regex", "--ignore-marks", "kes", "regex.txt"}},
+    {"regex-compress-space", {"search", "--regex", "--compress-space", "kes", "regex.txt"}},
+    // Folders and archives: scan, identify, search.
+    {"scan-json", {"scan", "--json", "corpus"}},
+    {"scan-recursive-members", {"scan", "--recursive", "--members", "*.txt", "corpus"}},
+    {"scan-no-zips", {"scan", "--no-zips", "corpus"}},
+    {"scan-missing-folder", {"scan", "no/such/folder"}},
+    {"scan-no-folder", {"scan"}},
+    {"scan-unknown-option", {"scan", "corpus", "--bogus"}},
+    {"scan-eleven-masks", {"scan", "corpus", "--files", "a;b;c;d;e;f;g;h;i;j;k"}},
+    {"identify", {"identify", "lists/w.lst", "lists/k.kws", "lists/plain.txt", "lists/b.zip"}},
+    {"identify-as-lineups", {"identify", "--json", "--tool", "lineups", "lists/w.lst"}},
+    {"identify-older-json", {"identify", "--json", "lists/k.kws"}},
+    {"identify-missing", {"identify", "lists/missing"}},
+    {"identify-unknown-tool", {"identify", "--tool", "nobody", "lists"}},
+    {"identify-no-file", {"identify"}},
+    {"search-folder", {"search", "kestrel", "corpus"}},
+    {"search-folder-recursive", {"search", "--recursive", "kestrel", "corpus"}},
+    {"search-folder-files", {"search", "--files", "*.doc", "text", "corpus"}},
+    {"search-archive", {"search", "--json", "kestrel", "corpus/c.zip"}},
+    {"search-damaged-archive", {"search", "kestrel", "bad.zip"}},
+};
+// clang-format on
+
+// The input files every row may use: a copy of inputs/, with the dates of
+// the corpus fixed (the ZIP members carry theirs).
+void CopyInputs(const TempDir &dir) {
+  namespace fs = std::filesystem;
+  fs::copy(SourceDir() + "/tests/tools/kestrel/inputs", dir.Path(), fs::copy_options::recursive);
+  const std::time_t when = LocalTime(2004, 7, 15, 13, 45, 30);
+  const struct timespec times[2] = {{when, 0}, {when, 0}};
+  for (const char *name : {"corpus/a.txt", "corpus/sub/b.txt", "corpus/c.zip"})
+    ::utimensat(AT_FDCWD, (dir / name).c_str(), times, 0);
+}
+
+// The length of the UTF-8 sequence that starts at s[i], 0 when none does.
+size_t SequenceLength(const std::string &s, size_t i) {
+  const auto lead = static_cast<unsigned char>(s[i]);
+  const size_t n = lead >= 0xF0 && lead < 0xF5 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+  if (lead >= 0xF5 || i + n > s.size()) return 0;
+  for (size_t k = 1; k < n; ++k)
+    if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return 0;
+  // No overlong form, no encoded surrogate, nothing above U+10FFFF.
+  const auto second = static_cast<unsigned char>(s[i + 1]);
+  if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second >= 0xA0) ||
+      (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second >= 0x90))
+    return 0;
+  return n;
+}
+
+// Bytes as golden text: valid UTF-8 and line ends as they are, a backslash
+// doubled, other control bytes, stray bytes and byte-order marks as \xNN.
+std::string Escaped(const std::string &bytes) {
+  std::string out;
+  for (size_t i = 0; i < bytes.size();) {
+    const auto b = static_cast<unsigned char>(bytes[i]);
+    const size_t n = std::max<size_t>(b >= 0x80 ? SequenceLength(bytes, i) : 1, 1);
+    const bool mark = bytes.compare(i, 3, "\xEF\xBB\xBF") == 0;
+    if (b == '\\') {
+      out += "\\\\";
+    } else if (b == '\n' || b == '\t' || (b >= 0x20 && b < 0x7F) || (n > 1 && !mark)) {
+      out += bytes.substr(i, n);
+    } else {
+      for (size_t k = i; k < i + n; ++k) {
+        char hex[8];
+        std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<unsigned char>(bytes[k]));
+        out += hex;
+      }
+    }
+    i += n;
+  }
+  return out;
+}
+
+void AddSection(std::string &result, const std::string &title, const std::string &bytes) {
+  std::string text = Escaped(bytes);
+  result += "--- " + title + "\n" + text;
+  if (!text.empty() && text.back() != '\n') result += "\n--- no line end\n";
+}
+
+std::string Result(const Row &row, const TempDir &dir) {
+  const KestrelRun run = RunKestrel(row.args, dir.Path());
+  std::string result = "$ kestrel";
+  for (const std::string &a : row.args)
+    result += " " + (a.empty() || a.find_first_of(" *;()[]^$|") != std::string::npos
+                         ? "'" + Escaped(a) + "'"
+                         : Escaped(a));
+  result += "\nexit " + std::to_string(run.status) + "\n";
+  if (!run.out.empty()) AddSection(result, "stdout", run.out);
+  if (!run.err.empty()) AddSection(result, "stderr", run.err);
+  for (const std::string &f : row.files) {
+    if (std::filesystem::exists(dir / f))
+      AddSection(result, "file " + f, ReadFileBytes(dir / f));
+    else
+      result += "--- file " + f + ": none\n";
+  }
+  return result;
+}
+
+void PrintTo(const Row &row, std::ostream *os) {
+  *os << row.golden;
+}
+
+class Commands : public ::testing::TestWithParam<Row> {};
+
+TEST_P(Commands, PrintWhatTheGoldenFileHolds) {
+  const Row &row = GetParam();
+  TempDir dir;
+  CopyInputs(dir);
+  const std::string got = Result(row, dir);
+  const std::string golden =
+      SourceDir() + "/tests/tools/kestrel/golden/" + std::string(row.golden) + ".txt";
+  if (std::getenv("KESTREL_UPDATE_GOLDEN")) {
+    std::ofstream(golden, std::ios::binary) << got;
+    return;
+  }
+  ASSERT_TRUE(std::filesystem::exists(golden)) << golden << " is missing; got:\n" << got;
+  EXPECT_EQ(got, ReadFileBytes(golden)) << golden;
+}
+
+INSTANTIATE_TEST_SUITE_P(Golden, Commands, ::testing::ValuesIn(kRows), [](const auto &info) {
+  std::string name = info.param.golden;
+  for (char &c : name)
+    if (c == '-') c = '_';
+  return name;
+});
+
+} // namespace
+} // namespace kestrel::test
