@@ -147,9 +147,13 @@ bool ProcessorHasAvx2() {
     node[i] = k[i] >> (__builtin_ctz(k[i]) + 1);
 }
 
-// The lanes' steps stay scalar: vectorised, each would gather its keys one by
-// one through shuffles.
+// The lanes' steps stay scalar: vectorised by gcc, each would gather its keys
+// one by one through shuffles.
+#if defined(__GNUC__) && !defined(__clang__)
 #define KESTREL_SCALAR_LANES __attribute__((optimize("no-tree-vectorize")))
+#else
+#define KESTREL_SCALAR_LANES
+#endif
 
 // As LookupPropertyIn for each lane, but for its first refusal of codes
 // outside the property's lowest and highest code, which answers the same.
