@@ -11,7 +11,8 @@ extern char **environ;
 
 namespace kestrel::test {
 
-KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder) {
+KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder,
+                      const std::string &input) {
   TempDir capture;
   const std::string program = std::string(KESTREL_BINARY_DIR) + "/tools/kestrel";
   const std::string out = capture / "out", err = capture / "err";
@@ -22,7 +23,8 @@ KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &f
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 0, input.empty() ? "/dev/null" : input.c_str(),
+                                   O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
   if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());

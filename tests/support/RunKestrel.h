@@ -12,7 +12,9 @@ struct KestrelRun {
 };
 
 // Runs kestrel with these arguments (no shell between) in the folder given
-// (the current one when empty), with standard input from /dev/null.
-KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder = "");
+// (the current one when empty), with standard input from the file given
+// (/dev/null when empty).
+KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder = "",
+                      const std::string &input = "");
 
 } // namespace kestrel::test

@@ -26,6 +26,7 @@ struct Row {
   const char *golden;                  // golden/<golden>.txt
   std::vector<std::string> args;       // run in the folder of input files
   std::vector<std::string> files = {}; // files whose content (or absence) is part of the result
+  const char *input = "";              // the file that is standard input (none: /dev/null)
 };
 
 // clang-format off
@@ -93,6 +94,51 @@ const Row kRows[] = {
     {"regex-whole-word", {"search", "--regex", "--whole-word", "kes", "regex.txt"}},
     {"regex-ignore-marks", {"search", "--regex", "--ignore-marks", "kes", "regex.txt"}},
     {"regex-compress-space", {"search", "--regex", "--compress-space", "kes", "regex.txt"}},
+    // search --regex and the literal search with word bounds, accents, familiar syntax.
+    {"regex-every-match", {"search", "--regex", "[a-z]+ing", "driving.txt"}},
+    {"regex-single-pass", {"search", "--regex", "--single-pass", "--json", "[a-z]+ing", "driving.txt"}},
+    {"regex-word-boundary", {"search", "--regex", "\\bkes", "regex.txt"}},
+    {"regex-lazy", {"search", "--regex", "a*?", "regex.txt"}},
+    {"regex-whole-word-and-marks", {"search", "--regex", "--whole-word", "--ignore-marks", "kes", "regex.txt"}},
+    {"single-pass-without-regex", {"search", "--single-pass", "kes", "regex.txt"}},
+    {"words-whole-word", {"search", "--json", "--whole-word", "love", "words.txt"}},
+    {"words-whole-word-regex", {"search", "--json", "--whole-word", "--regex", "lov(e|es)", "words.txt"}},
+    {"words-whole-word-single-pass", {"search", "--json", "--whole-word", "--regex", "--single-pass", "love", "words.txt"}},
+    {"words-shorter-match-keeps-bounds", {"search", "--json", "--whole-word", "--regex", "a.|a", "a-b.txt"}},
+    {"words-inside-a-refused-one", {"search", "--json", "--whole-word", "a-a", "ba-a-a.txt"}},
+    {"accents-bare-pattern", {"search", "--json", "--ignore-marks", "ceske", "accents.txt"}},
+    {"accents-marked-pattern", {"search", "--json", "--ignore-marks", "\xC4\x8D" "esk\xC3\xA9", "accents.txt"}},
+    {"accents-two-spellings", {"search", "--json", "--ignore-marks", "crecerelle", "accents.txt"}},
+    {"accents-regex", {"search", "--json", "--ignore-marks", "--regex", "cr[e]+cerelle", "accents.txt"}},
+    {"accents-kept", {"search", "--json", "ceske", "accents.txt"}},
+    {"familiar-posix-class", {"search", "--json", "--regex", "[[:alpha:]]+ness", "familiar.txt"}},
+    {"familiar-bare-class", {"search", "--json", "--regex", "[:alpha:]+ness", "familiar.txt"}},
+    {"familiar-word", {"search", "--json", "--regex", "\\w+", "familiar.txt"}},
+    {"familiar-category", {"search", "--json", "--regex", "--case-sensitive", "\\p{Lu}\\p{Ll}+", "familiar.txt"}},
+    {"familiar-digits", {"search", "--json", "--regex", "\\d+", "familiar.txt"}},
+    {"familiar-digits-single-pass", {"search", "--json", "--regex", "--single-pass", "\\d+", "familiar.txt"}},
+    // Each file in its own encoding; the names that search and convert share.
+    {"encodings-per-file", {"search", "--json", "--encoding", "1251", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed"}},
+    {"encodings-report", {"search", "--report", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed"}},
+    {"encodings-as-given", {"search", "--json", "--report", "--encoding", "koi8-r", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed/koi8.txt"}},
+    {"names-convert-latin1", {"convert", "--from", "utf-8", "--to", "latin1", "u.txt"}},
+    {"names-convert-koi8-r", {"convert", "--from", "utf-8", "--to", "koi8-r", "u.txt"}},
+    {"names-convert-shift-jis", {"convert", "--from", "utf-8", "--to", "shift_jis", "u.txt"}},
+    {"names-convert-x-mac-cyrillic", {"convert", "--from", "utf-8", "--to", "x-mac-cyrillic", "u.txt"}},
+    {"names-search-latin1", {"search", "--encoding", "latin1", "k", "names/latin1.txt"}},
+    {"names-search-koi8-r", {"search", "--encoding", "koi8-r", "k", "names/koi8-r.txt"}},
+    {"names-search-shift-jis", {"search", "--encoding", "shift_jis", "k", "names/shift_jis.txt"}},
+    {"names-search-iso-8859-3", {"search", "--json", "--encoding", "iso-8859-3", "\xC4\x89k", "names/iso-8859-3.txt"}},
+    // Folders, standard input, options.
+    {"search-mask-misses-every-file", {"search", "kestrel", "notes"}},
+    {"search-mask-takes-them", {"search", "--files", "*.md", "kestrel", "notes"}},
+    {"search-empty-standard-input", {"search", "--json", "--report", "kestrel", "-"}},
+    {"search-standard-input", {"search", "--json", "kestrel", "-"}, {}, "stdin.txt"},
+    {"search-one-dash-option", {"search", "-i", "word", "dash.txt"}},
+    {"search-dash-pattern", {"search", "--", "-x", "dash.txt"}},
+    {"scan-one-dash-option", {"scan", "-r", "corpus"}},
+    {"identify-unknown-option", {"identify", "--bogus", "x"}},
+    {"identify-folder", {"identify", "lists"}},
     // Folders and archives: scan, identify, search.
     {"scan-json", {"scan", "--json", "corpus"}},
     {"scan-recursive-members", {"scan", "--recursive", "--members", "*.txt", "corpus"}},
@@ -172,7 +218,10 @@ void AddSection(std::string &result, const std::string &title, const std::string
 }
 
 std::string Result(const Row &row, const TempDir &dir) {
-  const KestrelRun run = RunKestrel(row.args, dir.Path());
+  KestrelRun run = RunKestrel(row.args, dir.Path(), *row.input ? dir / row.input : "");
+  for (std::string *text : {&run.out, &run.err}) // the folder's own name varies
+    for (size_t at; (at = text->find(dir.Path())) != std::string::npos;)
+      text->replace(at, dir.Path().size(), "$DIR");
   std::string result = "$ kestrel";
   for (const std::string &a : row.args)
     result += " " + (a.empty() || a.find_first_of(" *;()[]^$|") != std::string::npos
