@@ -7,17 +7,13 @@
 #include <immintrin.h>
 #endif
 
+#include <kestrel/frame/platform/Processor.h>
 #include <kestrel/unicode/CharTables.h>
 
 namespace kestrel {
-namespace {
 
-bool ProcessorHasAvx2();
-
-} // namespace
-
-// Chosen while the library loads, before the CPU model may have been read.
-bool chartables::VectorSearches = ProcessorHasAvx2();
+// Chosen while the library loads.
+bool chartables::VectorSearches = ProcessorRunsAvx2();
 
 namespace {
 
@@ -117,15 +113,8 @@ __attribute__((target("avx2"))) void TopLevels(const TEytzingerTop &top, const T
   _mm256_storeu_si256(reinterpret_cast<__m256i *>(k), n);
 }
 
-bool ProcessorHasAvx2() {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2");
-}
 #else
 void TopLevels(const TEytzingerTop &, const TLanes &, TLanes &) {}
-bool ProcessorHasAvx2() {
-  return false;
-}
 #endif
 
 [[gnu::always_inline]] inline void Predecessors(const TEytzingerTree &tree, const TLanes &code,

@@ -1,4 +1,5 @@
 // UTF-8 to and from wide strings, unit by unit and without validation.
+#include <kestrel/frame/platform/Processor.h>
 #include <kestrel/unicode/Utf8.h>
 #include <kestrel/unicode/Utf8Paths.h>
 
@@ -394,18 +395,12 @@ KESTREL_AVX2 size_t EncodeAvx2(const char16_t *src, size_t i, size_t stop, char 
   return stop;
 }
 
-bool ProcessorHasAvx2() {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
-         __builtin_cpu_supports("popcnt");
-}
-
 #endif // KESTREL_UTF8_X86
 
-// Chosen while the library loads, before the CPU model may have been read.
+// Chosen while the library loads.
 utf8::TPath BestPath() {
 #if KESTREL_UTF8_X86
-  return ProcessorHasAvx2() ? utf8::TPath::Avx2 : utf8::TPath::Sse2;
+  return ProcessorRunsAvx2() ? utf8::TPath::Avx2 : utf8::TPath::Sse2;
 #else
   return utf8::TPath::Scalar;
 #endif
