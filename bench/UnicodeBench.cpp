@@ -36,44 +36,59 @@ const std::vector<Script> &Scripts() {
   return scripts;
 }
 
-const std::u16string &RandomWord(std::mt19937 &rng) {
-  static const int total = [] {
-    int t = 0;
-    for (const Script &s : Scripts())
-      t += s.weight;
-    return t;
-  }();
+// Mostly English, with a word of Latin script with accents now and then
+// (about one unit in 100 beyond ASCII).
+const std::vector<Script> &MostlyAsciiScripts() {
+  static const std::vector<Script> scripts = {Scripts()[0], {2, Scripts()[1].words}};
+  return scripts;
+}
+
+const std::u16string &RandomWord(std::mt19937 &rng,
+                                 const std::vector<Script> &scripts = Scripts()) {
+  int total = 0;
+  for (const Script &s : scripts)
+    total += s.weight;
   int pick = int(rng() % unsigned(total));
-  for (const Script &s : Scripts())
+  for (const Script &s : scripts)
     if ((pick -= s.weight) < 0) return s.words[rng() % s.words.size()];
-  return Scripts().front().words.front();
+  return scripts.front().words.front();
+}
+
+// About 2 M units of words and separators.
+std::u16string RandomText(const std::vector<Script> &scripts) {
+  const std::u16string separators[] = {u" ", u" ", u" ", u", ", u". ", u"\r\n"};
+  std::mt19937 rng(7);
+  std::u16string out;
+  while (out.size() < 2 * 1024 * 1024) {
+    out += RandomWord(rng, scripts);
+    out += separators[rng() % std::size(separators)];
+  }
+  return out;
+}
+
+std::string IcuUtf8(const std::u16string &t) {
+  std::string out(t.size() * 3, '\0');
+  int32_t n = 0;
+  UErrorCode err = U_ZERO_ERROR;
+  u_strToUTF8(out.data(), int32_t(out.size()), &n, t.data(), int32_t(t.size()), &err);
+  out.resize(size_t(n));
+  return out;
 }
 
 // About 4 MB of UTF-8.
 const std::u16string &MixedText() {
-  static const std::u16string text = [] {
-    const std::u16string separators[] = {u" ", u" ", u" ", u", ", u". ", u"\r\n"};
-    std::mt19937 rng(7);
-    std::u16string out;
-    while (out.size() < 2 * 1024 * 1024) {
-      out += RandomWord(rng);
-      out += separators[rng() % std::size(separators)];
-    }
-    return out;
-  }();
+  static const std::u16string text = RandomText(Scripts());
   return text;
 }
 
 const std::string &MixedUtf8() {
-  static const std::string bytes = [] {
-    const std::u16string &t = MixedText();
-    std::string out(t.size() * 3, '\0');
-    int32_t n = 0;
-    UErrorCode err = U_ZERO_ERROR;
-    u_strToUTF8(out.data(), int32_t(out.size()), &n, t.data(), int32_t(t.size()), &err);
-    out.resize(size_t(n));
-    return out;
-  }();
+  static const std::string bytes = IcuUtf8(MixedText());
+  return bytes;
+}
+
+// About 2 MB of UTF-8.
+const std::string &MostlyAsciiUtf8() {
+  static const std::string bytes = IcuUtf8(RandomText(MostlyAsciiScripts()));
   return bytes;
 }
 
@@ -81,16 +96,16 @@ void SetBytes(benchmark::State &state, size_t bytes) {
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(bytes));
 }
 
-void UTF8ToWide_kestrel(benchmark::State &state) {
-  const std::string &in = MixedUtf8();
+void UTF8ToWide_kestrel(benchmark::State &state, const std::string &(*text)()) {
+  const std::string &in = text();
   for (auto _ : state)
     benchmark::DoNotOptimize(kestrel::UTF8ToWideString(in));
   SetBytes(state, in.size());
 }
 
 // The same job as ours: a result string sized once, filled, then cut.
-void UTF8ToWide_icu(benchmark::State &state) {
-  const std::string &in = MixedUtf8();
+void UTF8ToWide_icu(benchmark::State &state, const std::string &(*text)()) {
+  const std::string &in = text();
   for (auto _ : state) {
     std::u16string out(in.size(), u'\0');
     int32_t n = 0;
@@ -192,8 +207,18 @@ void WideCompareText_icu(benchmark::State &state) {
 
 } // namespace
 
-BENCHMARK(UTF8ToWide_kestrel)->Name("UTF8ToWideString/kestrel")->Unit(benchmark::kMillisecond);
-BENCHMARK(UTF8ToWide_icu)->Name("UTF8ToWideString/icu")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UTF8ToWide_kestrel, mixed, MixedUtf8)
+    ->Name("UTF8ToWideString/kestrel")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UTF8ToWide_icu, mixed, MixedUtf8)
+    ->Name("UTF8ToWideString/icu")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UTF8ToWide_kestrel, ascii, MostlyAsciiUtf8)
+    ->Name("UTF8ToWideString-mostly-ASCII/kestrel")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UTF8ToWide_icu, ascii, MostlyAsciiUtf8)
+    ->Name("UTF8ToWideString-mostly-ASCII/icu")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(WideToUTF8_kestrel)->Name("WideStringToUTF8/kestrel")->Unit(benchmark::kMillisecond);
 BENCHMARK(WideToUTF8_icu)->Name("WideStringToUTF8/icu")->Unit(benchmark::kMillisecond);
 BENCHMARK(WideUpperCase_kestrel)->Name("WideUpperCase/kestrel")->Unit(benchmark::kMicrosecond);

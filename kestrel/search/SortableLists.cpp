@@ -1,12 +1,48 @@
 // Unit SortableLists: TSortList; its start-up and finalisation do no work.
 #include <kestrel/search/SortableLists.h>
 
+#include <vector>
+
 #include <kestrel/frame/Units.h>
+#include <kestrel/unicode/CollationKeys.h>
 
 namespace kestrel {
+namespace {
+
+void YieldEachPass() {
+  MyYieldProcess();
+}
+
+// The sort of items L to R on their texts' collation keys, for a descendant
+// that sorts SortKey by text; false, with nothing changed, when it does not or
+// the keys cannot stand in for its comparison. The same quicksort over the
+// keys makes the same exchanges, so the order is the same.
+bool SortOnTextKeys(TSortList &list, int32_t SortKey, int32_t L, int32_t R) {
+  uint32_t locale = 0;
+  if (L < 0 || R >= list.Count() || L >= R || !list.SortsByText(SortKey, locale)) return false;
+  TCollationKeys keys;
+  if (!keys.Begin(locale, size_t(R - L + 1))) return false;
+  void **items = list.List();
+  for (int32_t i = L; i <= R; ++i)
+    if (!keys.Add(list.ItemText(SortKey, items[i]))) return false;
+  std::vector<TCollationKeyRef> &refs = keys.Refs();
+  QuickSortCollationKeys(refs.data(), 0, R - L, list.Reversed, YieldEachPass);
+  std::vector<void *> before(items + L, items + R + 1);
+  for (size_t k = 0; k < refs.size(); ++k)
+    items[L + int32_t(k)] = before[size_t(refs[k].Index)];
+  return true;
+}
+
+} // namespace
 
 void TSortList::TempQuickSort(int32_t SortKey, int32_t L, int32_t R,
                               TCompareFunctOfObject Compare) {
+  if (SortOnTextKeys(*this, SortKey, L, R)) return;
+  QuickSortByCompare(SortKey, L, R, Compare);
+}
+
+void TSortList::QuickSortByCompare(int32_t SortKey, int32_t L, int32_t R,
+                                   TCompareFunctOfObject Compare) {
   int32_t I, J;
   do {
     MyYieldProcess();
@@ -39,7 +75,7 @@ void TSortList::TempQuickSort(int32_t SortKey, int32_t L, int32_t R,
         --J;
       }
     } while (I <= J);
-    if (L < J) TempQuickSort(SortKey, L, J, Compare);
+    if (L < J) QuickSortByCompare(SortKey, L, J, Compare);
     L = I;
   } while (I < R);
 }

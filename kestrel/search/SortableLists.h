@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <kestrel/frame/host/TList.h>
 #include <kestrel/frame/myKpSmall.h>
@@ -20,6 +21,16 @@ public:
 
   // Remembers the reference item of the comparison; empty here.
   virtual void SetBase(void * /*Item*/) {}
+
+  // A descendant whose comparison orders items by a text under a locale for
+  // SortKey, Compare(item) being WideCompareText(text of the reference, text
+  // of the item, Locale), says so here and gives each item's text through
+  // ItemText. Such a sort turns each text of L to R into a collation key once
+  // and orders the keys, with the result that Compare would give, calling
+  // neither Compare nor SetBase (nor when the platform gives no keys, for an
+  // unknown locale: Compare then runs as usual).
+  virtual bool SortsByText(int32_t /*SortKey*/, uint32_t & /*Locale*/) { return false; }
+  virtual std::u16string_view ItemText(int32_t /*SortKey*/, void * /*Item*/) { return {}; }
 
   // Quicksort of items L to R (both included) with the middle item as the
   // reference. Compare(item) above 0 means the item sorts before the
@@ -40,6 +51,9 @@ public:
   int32_t PivotIndex = 0;
   int32_t UserValue2 = 0; // for descendants
   std::string UserText;   // for descendants
+
+private:
+  void QuickSortByCompare(int32_t SortKey, int32_t L, int32_t R, TCompareFunctOfObject Compare);
 };
 
 } // namespace kestrel

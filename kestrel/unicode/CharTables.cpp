@@ -2,6 +2,7 @@
 #include <kestrel/unicode/CharTables.h>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <mutex>
 
@@ -86,11 +87,15 @@ private:
 };
 
 // Per property, the pairs that the lookup bisects: from its offset up to the
-// next offset that is not 0xFFFF (the closing entry for the last ones).
+// next offset that is not 0xFFFF (the closing entry for the last ones), and
+// their copy in Eytzinger order.
 void DeriveBounds(TTypeTable &t) {
   const auto &offsets = t.PropertyOffsets;
   const size_t total = t.PropertyRanges.size();
   t.Spans.assign(t.Count, {});
+  t.TreeFirst.clear();
+  t.TreeLast.clear();
+  t.TreeTops.assign(t.Count, {});
   for (size_t n = 0; n < t.Count; ++n) {
     if (offsets[n] == 0xFFFF) continue;
     size_t k = n + 1;
@@ -98,9 +103,60 @@ void DeriveBounds(TTypeTable &t) {
       ++k;
     size_t first = offsets[n], end = std::min<size_t>(offsets[k], total);
     uint32_t pairs = uint32_t((end > first ? end - first : 0) / 2);
-    if (pairs != 0)
-      t.Spans[n] = {uint32_t(first), pairs, t.PropertyRanges[first],
-                    t.PropertyRanges[first + 2 * pairs - 1]};
+    if (pairs == 0) continue;
+    TTypeTable::TSpan &span = t.Spans[n];
+    span = {uint32_t(first),
+            pairs,
+            t.PropertyRanges[first],
+            t.PropertyRanges[first + 2 * pairs - 1],
+            uint32_t(t.TreeFirst.size()),
+            0};
+    const uint32_t *ranges = t.PropertyRanges.data() + first;
+    BuildEytzinger(ranges, 2, ranges + 1, 2, pairs, t.TreeFirst, t.TreeLast, span.Depth,
+                   t.TreeTops[n]);
+  }
+}
+
+// The sections cut to the rows the table holds, their trees, which units
+// each holds, and which conversions can reach a row in their Keep category
+// (read with the category tests, so "TYPE" loads with "CASE").
+void DeriveSections(TCaseTable &t) {
+  int64_t size = static_cast<int64_t>(std::min<size_t>(t.CaseMap.size(), t.CaseLength));
+  size -= size % 3;
+  const int64_t upperEnd = std::min<int64_t>(t.UpperLength, size);
+  const int64_t lowerEnd = std::min<int64_t>(upperEnd + t.LowerLength, size);
+  const int64_t ends[csSectionCount + 1] = {0, upperEnd, lowerEnd, size};
+  std::vector<uint64_t> holds[csSectionCount];
+  for (int s = 0; s < csSectionCount; ++s) {
+    t.SectionFirst[s] = ends[s];
+    t.SectionLast[s] = ends[s + 1] - 3;
+    const size_t rows = size_t(ends[s + 1] - ends[s]) / 3;
+    std::vector<uint32_t> starts(rows);
+    holds[s].assign(0x10000 / 64, 0);
+    for (size_t r = 0; r < rows; ++r) {
+      starts[r] = uint32_t(ends[s] + int64_t(3 * r));
+      const uint32_t code = t.CaseMap[starts[r]];
+      if (code < 0x10000) holds[s][code / 64] |= uint64_t(1) << (code % 64);
+    }
+    auto &tree = t.Trees[s];
+    tree.Codes.clear();
+    tree.Rows.clear();
+    BuildEytzinger(t.CaseMap.data() + ends[s], 3, starts.data(), 1, rows, tree.Codes, tree.Rows,
+                   tree.Depth, tree.Top);
+  }
+  const TTypeTable &types = TypeTable();
+  for (int c = 0; c < ccConversionCount; ++c) {
+    const TCaseRoute &route = kCaseRoutes[c];
+    t.Reach[c].assign(0x10000 / 32, 0);
+    for (uint32_t u = 0; u < 0x10000; ++u) {
+      const uint64_t bits = ((holds[route.IfSection][u / 64] >> (u % 64)) & 1) |
+                            ((holds[route.ElseSection][u / 64] >> (u % 64)) & 1) << 1;
+      t.Reach[c][u / 32] |= bits << (u % 32 * 2);
+    }
+    t.KeepReachable[c] = false;
+    for (int s : {route.IfSection, route.ElseSection})
+      for (int64_t r = t.SectionFirst[s]; r <= t.SectionLast[s]; r += 3)
+        t.KeepReachable[c] |= LookupPropertyIn(types, t.CaseMap[size_t(r)], unsigned(route.Keep));
   }
 }
 
@@ -124,6 +180,7 @@ std::unique_ptr<TCaseTable> ReadCaseTable() {
   t->UpperLength = uint16_t(upper * 3);
   t->LowerLength = uint16_t(lower * 3);
   t->CaseMap = r.Array<uint32_t>(t->CaseLength);
+  DeriveSections(*t);
   return t;
 }
 
@@ -174,6 +231,37 @@ template <typename Table> void FreeTable(std::atomic<const Table *> &slot) {
 }
 
 } // namespace
+
+void BuildEytzinger(const uint32_t *keys, size_t keyStride, const uint32_t *values,
+                    size_t valueStride, size_t count, std::vector<uint32_t> &treeKeys,
+                    std::vector<uint32_t> &treeValues, uint32_t &depth, TEytzingerTop &top) {
+  depth = 0;
+  while ((size_t(1) << depth) - 1 < count)
+    ++depth;
+  const size_t base = treeKeys.size(), nodes = size_t(1) << depth;
+  // Padding nodes hold keys above every code and the last value, so that a
+  // search landing on one answers as the last element would.
+  const uint32_t lastValue = count ? values[(count - 1) * valueStride] : 0;
+  treeKeys.resize(base + nodes, UINT32_MAX);
+  treeValues.resize(base + nodes, lastValue);
+  // An in-order walk of the tree visits the nodes in ascending order.
+  size_t next = 0;
+  auto fill = [&](auto &self, size_t k) -> void {
+    if (k >= nodes) return;
+    self(self, 2 * k);
+    if (next < count) {
+      treeKeys[base + k] = keys[next * keyStride];
+      treeValues[base + k] = values[next * valueStride];
+      ++next;
+    }
+    self(self, 2 * k + 1);
+  };
+  fill(fill, 1);
+  for (size_t k = 0; k < std::size(top.Keys); ++k) {
+    const uint32_t key = k != 0 && k < nodes ? treeKeys[base + k] : UINT32_MAX;
+    top.Keys[k] = static_cast<int32_t>(key ^ 0x80000000u);
+  }
+}
 
 TCriticalSection &DatabaseLock() {
   TCriticalSection *lock = gDatabaseLock.load(std::memory_order_acquire);

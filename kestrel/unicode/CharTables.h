@@ -23,6 +23,49 @@
 
 namespace kestrel {
 
+// Eytzinger order: an ascending list laid out as a complete binary tree in an
+// array, node k having the children 2k and 2k + 1 (node 0 is unused), padded
+// with keys of UINT32_MAX to 2^Depth - 1 nodes. A search walks Depth levels
+// whatever it looks for, without a branch on the keys, and its first levels
+// share the first cache line. The path taken is the bits of k: going right
+// where the key is not above Code, the last right turn is the node of the last
+// key not above Code, or 0 when all are above it.
+//
+// The first six levels, nodes 1 to 63, are also copied with the top bit of
+// each key flipped (signed compares then order them as unsigned), for the
+// vector form of a batch of searches, which holds them in eight registers.
+inline constexpr uint32_t kTopLevels = 6;
+struct alignas(32) TEytzingerTop {
+  int32_t Keys[1 << kTopLevels]; // node 0 is unused
+};
+
+struct TEytzingerTree {
+  const uint32_t *Keys;
+  uint32_t Depth;
+  const TEytzingerTop *Top;
+};
+
+// One level down from node k: a compare and a subtract with borrow.
+inline uint32_t EytzingerStep(const uint32_t *keys, uint32_t k, UCS4 code) {
+  const uint32_t key = keys[k];
+  return 2 * k + 1 - (code < key);
+}
+
+inline uint32_t EytzingerPredecessor(const TEytzingerTree &tree, UCS4 code) {
+  uint32_t k = 1;
+  for (uint32_t depth = tree.Depth; depth > 0; --depth)
+    k = EytzingerStep(tree.Keys, k, code);
+  return k >> (__builtin_ctz(k) + 1);
+}
+
+// Appends the Eytzinger layout of count ascending keys, read every keyStride
+// elements from keys, and of the values that go with them (every valueStride
+// from values): 2^Depth entries to each of treeKeys and treeValues. Top gets
+// the copy of the first levels.
+void BuildEytzinger(const uint32_t *keys, size_t keyStride, const uint32_t *values,
+                    size_t valueStride, size_t count, std::vector<uint32_t> &treeKeys,
+                    std::vector<uint32_t> &treeValues, uint32_t &depth, TEytzingerTop &top);
+
 // The properties of "TYPE", by index.
 // clang-format off
 enum : int {
@@ -46,18 +89,70 @@ struct TTypeTable {
   // per property, where its pairs start in PropertyRanges, how many complete
   // pairs it has, and its lowest and highest code (First above Last when it
   // has none) so that most codes outside it are refused at once.
+  // Tree and Depth place the property's pairs in TreeFirst and TreeLast.
   struct TSpan {
     uint32_t Start = 0, Pairs = 0, First = UINT32_MAX, Last = 0;
+    uint32_t Tree = 0, Depth = 0;
   };
   std::vector<TSpan> Spans;
+  // Each property's pairs copied at load in Eytzinger order, one tree after
+  // another: first codes in TreeFirst, last codes beside them; the first
+  // levels of property n in TreeTops[n].
+  std::vector<uint32_t> TreeFirst, TreeLast;
+  std::vector<TEytzingerTop> TreeTops;
+  TEytzingerTree TreeOf(unsigned n) const {
+    return {TreeFirst.data() + Spans[n].Tree, Spans[n].Depth, &TreeTops[n]};
+  }
 };
+
+// The sections of "CASE" and the conversions that route through them.
+enum : int { csUpper = 0, csLower, csTitle, csSectionCount };
+enum : int { ccToUpper = 0, ccToLower, ccToTitle, ccConversionCount };
+
+// Each conversion's route by category: a code in Keep stays as it is; a code
+// in Test is looked up in column IfColumn of section IfSection; any other in
+// column ElseColumn of section ElseSection.
+struct TCaseRoute {
+  int Keep, Test, IfSection, IfColumn, ElseSection, ElseColumn;
+};
+// clang-format off
+inline constexpr TCaseRoute kCaseRoutes[ccConversionCount] = {
+    {upLu, upLl, csLower, 1, csTitle, 1},  // UnicodeToUpper
+    {upLl, upLu, csUpper, 1, csTitle, 2},  // UnicodeToLower
+    {upLt, upLu, csUpper, 2, csLower, 2}}; // UnicodeToTitle
+// clang-format on
 
 struct TCaseTable {
   std::vector<uint32_t> CaseMap; // rows of three numbers: upper, lower, title sections
   uint32_t CaseLength = 0;       // total rows x 3
   uint16_t UpperLength = 0;      // upper rows x 3, kept in 16 bits
   uint16_t LowerLength = 0;      // lower rows x 3, kept in 16 bits
+  // Derived at load. The sections as first and last row starts, cut to what
+  // CaseMap holds so that an inconsistent header cannot send a lookup outside
+  // it (an empty section has its last row start below its first).
+  int64_t SectionFirst[csSectionCount] = {}, SectionLast[csSectionCount] = {};
+  // Each section's codes in Eytzinger order, with the row start of each node.
+  struct TSectionTree {
+    std::vector<uint32_t> Codes, Rows;
+    uint32_t Depth = 0;
+    TEytzingerTop Top;
+    TEytzingerTree Tree() const { return {Codes.data(), Depth, &Top}; }
+  } Trees[csSectionCount];
+  // Per conversion, two bits for each unit below 0x10000: bit 0 when its
+  // IfSection has a row for the unit, bit 1 when its ElseSection has one. A
+  // unit with neither maps to itself whatever its category, and a section
+  // that has no row for a code need not be searched for it.
+  std::vector<uint64_t> Reach[ccConversionCount];
+  // Whether a row that a conversion can reach lies in its Keep category:
+  // when none does, no code that the conversion can map is kept, and the
+  // test is skipped (upper-casing reaches no Lu row in the stored table).
+  bool KeepReachable[ccConversionCount] = {};
 };
+
+// The two bits of Reach for a code; both for a code above the units.
+inline unsigned ReachOf(const std::vector<uint64_t> &reach, UCS4 code) {
+  return code < 0x10000 ? unsigned(reach[code / 32] >> (code % 32 * 2)) & 3 : 3;
+}
 
 struct TDecompositionTable {
   uint16_t Rows = 0;
@@ -88,6 +183,10 @@ extern std::atomic<const TCombiningTable *> CombiningTable;
 extern std::atomic<const TNumberTable *> NumberTable;
 // How many times a table resource has been read, for tests of the load.
 extern std::atomic<uint32_t> ResourceReads;
+// Whether the case mappings of strings walk the first levels of their
+// searches eight units at a time with AVX2: set at start-up when the
+// processor has it; tests turn it off to compare both ways.
+extern bool VectorSearches;
 } // namespace chartables
 
 // The locked part of each load: reads the resource unless another thread did
@@ -140,20 +239,14 @@ inline int64_t FindCodePair(const uint32_t *Nodes, int64_t Last, UCS4 Code) {
 
 // Whether Code lies in one of the ranges of property n of a loaded table.
 // The pairs are sorted and disjoint, so the last pair whose first code is not
-// above Code is the only one that can hold it. The bisection has no branch
-// that depends on Code (its steps depend only on the number of pairs), so
-// it is never mispredicted.
+// above Code is the only one that can hold it; the search takes the same
+// steps whatever the code, so it is never mispredicted.
 inline bool LookupPropertyIn(const TTypeTable &t, UCS4 code, unsigned n) {
   if (n >= t.Count) return false;
   const TTypeTable::TSpan span = t.Spans[n];
   if (code < span.First || code > span.Last) return false;
-  const uint32_t *base = t.PropertyRanges.data() + span.Start;
-  for (uint32_t count = span.Pairs; count > 1;) {
-    uint32_t half = count >> 1;
-    base = base[2 * half] <= code ? base + 2 * half : base;
-    count -= half;
-  }
-  return (base[0] <= code) & (code <= base[1]);
+  const uint32_t k = EytzingerPredecessor(t.TreeOf(n), code);
+  return (k != 0) & (code <= t.TreeLast[span.Tree + k]);
 }
 
 // Whether Code lies in property n (0 to 48 of the table); false for an index

@@ -11,6 +11,7 @@
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/frame/platform/Nls.h>
 #include <kestrel/unicode/CodePages.h>
+#include <kestrel/unicode/CollationKeys.h>
 #include <kestrel/unicode/WideCStrings.h>
 #include <kestrel/unicode/WideStrUtils.h>
 
@@ -44,6 +45,24 @@ bool IsCommaBlank(char16_t c) {
 // wide strings.
 std::u16string HostWiden(const std::string &bytes) {
   return CodePageToWideString(bytes, static_cast<uint16_t>(GetACP()));
+}
+
+// Sorts the first Count items as QuickSort (0, Count - 1) would, on keys made
+// once per item; false, with the items untouched, when keys cannot stand in
+// for the list's compare.
+bool SortItemsOnKeys(TWideStringItemList &items, int32_t count, uint32_t language) {
+  TCollationKeys keys;
+  if (!keys.Begin(language, size_t(count))) return false;
+  for (int32_t i = 0; i < count; ++i)
+    if (!keys.Add(items[size_t(i)].FString)) return false;
+  std::vector<TCollationKeyRef> &refs = keys.Refs();
+  QuickSortCollationKeys(refs.data(), 0, count - 1, false);
+  TWideStringItemList sorted;
+  sorted.reserve(size_t(count));
+  for (const TCollationKeyRef &r : refs)
+    sorted.push_back(std::move(items[size_t(r.Index)]));
+  std::move(sorted.begin(), sorted.end(), items.begin());
+  return true;
 }
 
 std::string HostNarrow(const std::u16string &text) {
@@ -506,7 +525,7 @@ void TWideStringList::SetLanguage(uint32_t Value) {
   TWideStrings::SetLanguage(Value);
   if (Sorted) {
     Changing();
-    if (FCount > 1) QuickSort(0, FCount - 1);
+    if (FCount > 1 && !SortItemsOnKeys(Items, FCount, Language)) QuickSort(0, FCount - 1);
     Changed();
   }
 }
@@ -635,7 +654,7 @@ void TWideStringList::QuickSort(int32_t L, int32_t R) {
 void TWideStringList::Sort() {
   if (Sorted || FCount <= 1) return;
   Changing();
-  QuickSort(0, FCount - 1);
+  if (!SortItemsOnKeys(Items, FCount, Language)) QuickSort(0, FCount - 1);
   Changed();
 }
 

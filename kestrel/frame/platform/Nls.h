@@ -161,9 +161,21 @@ inline constexpr int32_t CSTR_GREATER_THAN = 3;
 // only order there is here.
 int32_t CompareStringW(LCID locale, uint32_t flags, const char16_t *text1, int32_t count1,
                        const char16_t *text2, int32_t count2);
+
 // The same for byte texts in the locale's default code page (or the system
 // code page, for locales without one).
 int32_t CompareStringA(LCID locale, uint32_t flags, const char *text1, int32_t count1,
                        const char *text2, int32_t count2);
+
+// LCMAP_SORTKEY: writes the sort key of a counted text (a negative count: up
+// to the 0 unit) under the locale and the compare flags given with it, and
+// gives its size in bytes, its closing 0 byte included. Keys compare with
+// memcmp as CompareStringW compares their texts with the same locale and
+// flags: the same collator makes both. With capacity 0 it gives the size
+// needed and writes nothing; it gives 0 for a buffer too small, an unknown
+// locale or flags, or a map flag other than LCMAP_SORTKEY.
+inline constexpr uint32_t LCMAP_SORTKEY = 0x00000400;
+int32_t LCMapStringW(LCID locale, uint32_t flags, const char16_t *text, int32_t count, void *key,
+                     int32_t capacity);
 
 } // namespace kestrel

@@ -116,6 +116,23 @@ int32_t CompareStringW(LCID locale, uint32_t flags, const char16_t *text1, int32
   return r == UCOL_LESS ? CSTR_LESS_THAN : r == UCOL_EQUAL ? CSTR_EQUAL : CSTR_GREATER_THAN;
 }
 
+int32_t LCMapStringW(LCID locale, uint32_t flags, const char16_t *text, int32_t count, void *key,
+                     int32_t capacity) {
+  int32_t n;
+  const uint32_t compareFlags = flags & ~LCMAP_SORTKEY;
+  if (!(flags & LCMAP_SORTKEY) || (compareFlags & ~kKnownFlags) || !CountOf(text, count, n) ||
+      capacity < 0 || (capacity > 0 && !key))
+    return 0;
+  const UCollator *collator = CollatorFor(nls::ResolveLCID(locale), compareFlags);
+  if (!collator) return 0;
+  static const char16_t empty[1] = {0};
+  // ICU gives the size it needs whatever the buffer, and no key is shorter
+  // than its closing 0 byte.
+  int32_t size =
+      ucol_getSortKey(collator, n ? text : empty, n, static_cast<uint8_t *>(key), capacity);
+  return capacity == 0 || size <= capacity ? size : 0;
+}
+
 int32_t CompareStringA(LCID locale, uint32_t flags, const char *text1, int32_t count1,
                        const char *text2, int32_t count2) {
   int32_t n1, n2;

@@ -1,0 +1,178 @@
+// The property and case searches, and the string conversions that skip units
+// no row maps, answer for every 16-bit code as the plain bisection of the
+// stored tables does.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include <kestrel/unicode/CharTables.h>
+#include <kestrel/unicode/Unicode.h>
+
+namespace kestrel {
+namespace {
+
+// The stored bisection over a property's pairs, step by step as designed.
+bool PlainProperty(const TTypeTable &t, UCS4 code, int n) {
+  const auto &offsets = t.PropertyOffsets;
+  int64_t l = offsets[size_t(n)];
+  if (l == 0xFFFF) return false;
+  size_t k = size_t(n) + 1;
+  while (offsets[k] == 0xFFFF && k < t.Count)
+    ++k;
+  int64_t r = int64_t(offsets[k]) - 1;
+  while (l <= r) {
+    int64_t m = (l + r) >> 1;
+    m -= m & 1;
+    if (code > t.PropertyRanges[size_t(m) + 1])
+      l = m + 2;
+    else if (code < t.PropertyRanges[size_t(m)])
+      r = m - 2;
+    else
+      return true;
+  }
+  return false;
+}
+
+UCS4 PlainSection(const TCaseTable &t, UCS4 code, int64_t l, int64_t r, int column) {
+  while (l <= r) {
+    int64_t m = (l + r) >> 1;
+    m -= m % 3;
+    if (code > t.CaseMap[size_t(m)])
+      l = m + 3;
+    else if (code < t.CaseMap[size_t(m)])
+      r = m - 3;
+    else
+      return t.CaseMap[size_t(m) + size_t(column)];
+  }
+  return code;
+}
+
+enum Conversion { kUpper, kLower, kTitle };
+
+// The routes by category, each section searched by the stored bisection.
+UCS4 PlainConversion(Conversion c, UCS4 code) {
+  const TTypeTable &ty = TypeTable();
+  const TCaseTable &t = CaseTable();
+  const int64_t upper = t.UpperLength, lower = upper + t.LowerLength, end = t.CaseLength;
+  switch (c) {
+  case kUpper:
+    if (PlainProperty(ty, code, upLu)) return code;
+    if (PlainProperty(ty, code, upLl)) return PlainSection(t, code, upper, lower - 3, 1);
+    return PlainSection(t, code, lower, end - 3, 1);
+  case kLower:
+    if (PlainProperty(ty, code, upLl)) return code;
+    if (PlainProperty(ty, code, upLu)) return PlainSection(t, code, 0, upper - 3, 1);
+    return PlainSection(t, code, lower, end - 3, 2);
+  case kTitle:
+    if (PlainProperty(ty, code, upLt)) return code;
+    if (PlainProperty(ty, code, upLu)) return PlainSection(t, code, 0, upper - 3, 2);
+    return PlainSection(t, code, upper, lower - 3, 2);
+  }
+  return code;
+}
+
+// Every 16-bit code and a few beyond, up to the largest.
+std::vector<UCS4> Codes() {
+  std::vector<UCS4> codes;
+  for (UCS4 c = 0; c <= 0xFFFF; ++c)
+    codes.push_back(c);
+  for (UCS4 c : {0x10000u, 0x1D400u, 0x10FFFFu, 0x110000u, 0x7FFFFFFFu, 0xFFFFFFFFu})
+    codes.push_back(c);
+  return codes;
+}
+
+} // namespace
+
+TEST(TableSearch, EveryPropertyAnswersAsThePlainBisection) {
+  const TTypeTable &t = TypeTable();
+  ASSERT_EQ(t.Count, upPropertyCount);
+  for (int n = 0; n < upPropertyCount; ++n) {
+    int differing = 0;
+    for (UCS4 c : Codes())
+      differing += UnicodeLookupProperty(c, n) != PlainProperty(t, c, n);
+    EXPECT_EQ(differing, 0) << UnicodePropertyLabels[n];
+  }
+}
+
+TEST(TableSearch, EveryConversionAnswersAsThePlainRoute) {
+  struct One {
+    Conversion conversion;
+    UCS4 (*map)(UCS4);
+  };
+  for (One one :
+       {One{kUpper, UnicodeToUpper}, One{kLower, UnicodeToLower}, One{kTitle, UnicodeToTitle}}) {
+    int differing = 0;
+    for (UCS4 c : Codes())
+      differing += one.map(c) != PlainConversion(one.conversion, c);
+    EXPECT_EQ(differing, 0) << one.conversion;
+  }
+}
+
+// Strings of every unit in a shuffled order, cut at odd lengths, so that the
+// units that can be mapped gather into batches of every make-up; with the
+// vector walk of the first levels where the processor has it, and without.
+class StringConversions : public testing::TestWithParam<bool> {
+protected:
+  void SetUp() override {
+    saved_ = chartables::VectorSearches;
+    if (GetParam() && !saved_) GTEST_SKIP() << "the processor has no AVX2";
+    chartables::VectorSearches = GetParam();
+  }
+  void TearDown() override { chartables::VectorSearches = saved_; }
+  bool saved_ = false;
+};
+
+INSTANTIATE_TEST_SUITE_P(TableSearch, StringConversions, testing::Bool());
+
+TEST_P(StringConversions, AnswerAsThePlainRoute) {
+  std::u16string all;
+  for (UCS4 c = 0; c <= 0xFFFF; ++c)
+    all.push_back(char16_t(c));
+  std::mt19937 rng(41);
+  std::shuffle(all.begin(), all.end(), rng);
+  struct Whole {
+    Conversion conversion;
+    std::u16string (*map)(std::u16string_view);
+  };
+  for (Whole w : {Whole{kUpper, WideUpperCase}, Whole{kLower, WideLowerCase},
+                  Whole{kTitle, WideTitleCaseString}}) {
+    for (size_t length : {all.size(), size_t(1), size_t(7), size_t(8), size_t(9), size_t(100)}) {
+      const std::u16string_view part(all.data(), length);
+      const std::u16string mapped = w.map(part);
+      ASSERT_EQ(mapped.size(), length);
+      int differing = 0;
+      for (size_t i = 0; i < length; ++i)
+        differing += mapped[i] != char16_t(PlainConversion(w.conversion, part[i]));
+      EXPECT_EQ(differing, 0) << w.conversion << " " << length;
+    }
+  }
+}
+
+TEST(TableSearch, EytzingerLayoutFindsTheLastKeyNotAbove) {
+  for (uint32_t count = 0; count < 40; ++count) {
+    std::vector<uint32_t> keys, values, treeKeys{7}, treeValues{7};
+    for (uint32_t i = 0; i < count; ++i) {
+      keys.push_back(10 * i + 5);
+      values.push_back(100 + i);
+    }
+    uint32_t depth = 0;
+    TEytzingerTop top;
+    BuildEytzinger(keys.data(), 1, values.data(), 1, count, treeKeys, treeValues, depth, top);
+    ASSERT_EQ(treeKeys.size(), 1 + (size_t(1) << depth)) << "appended after what was there";
+    ASSERT_LT(count, 1u << depth);
+    for (uint32_t code : {0u, 4u, 5u, 6u, 15u, 10 * count + 4, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
+      const uint32_t k = EytzingerPredecessor({treeKeys.data() + 1, depth, &top}, code);
+      const auto above = std::upper_bound(keys.begin(), keys.end(), code);
+      if (above == keys.begin()) {
+        EXPECT_EQ(k, 0u) << count << " " << code;
+      } else {
+        ASSERT_NE(k, 0u) << count << " " << code;
+        EXPECT_EQ(treeValues[1 + k], values[size_t(above - keys.begin()) - 1]) << count;
+      }
+    }
+  }
+}
+
+} // namespace kestrel
