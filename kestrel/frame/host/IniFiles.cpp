@@ -33,6 +33,8 @@ private:
   TStrings *list_;
 };
 
+constexpr const char *kUtf8Mark = "\xEF\xBB\xBF";
+
 bool HasLineBreak(const std::string &s) {
   return s.find_first_of("\r\n") != std::string::npos;
 }
@@ -262,7 +264,7 @@ void TMemIniFile::Clear() {
 // met adds to it; a key met twice counts once, the first time, as in Windows.
 void TMemIniFile::Parse(const std::string &text) {
   Clear();
-  size_t pos = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+  size_t pos = text.compare(0, 3, kUtf8Mark) == 0 ? 3 : 0;
   Section *current = nullptr;
   while (pos < text.size()) {
     size_t end = text.find_first_of("\r\n", pos);
@@ -303,6 +305,9 @@ std::string TMemIniFile::Text() const {
     for (const Line &line : section.lines)
       out += (line.isValue ? line.key + "=" + Quoted(line.value) : line.raw) + sLineBreak;
   }
+  // Reading takes one mark off the front: a first line that begins with the
+  // mark's bytes keeps them behind another.
+  if (out.compare(0, 3, kUtf8Mark) == 0) out.insert(0, kUtf8Mark);
   return out;
 }
 

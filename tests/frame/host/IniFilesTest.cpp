@@ -111,6 +111,26 @@ TEST(TMemIniFile, UpdateFileWritesSectionsAndKeepsCommentsInPlace) {
             "[two]\r\nx=1\r\n\r\n[three]\r\ny=3\r\n");
 }
 
+// Reading drops a UTF-8 mark at the front; a first line that itself starts
+// with the mark's bytes must not lose them on the next read.
+TEST(TMemIniFile, AFirstLineThatStartsLikeAMarkSurvivesWritingBack) {
+  TempDir dir;
+  dir.WriteFile("a.ini", "\xEF\xBB\xBF\xEF\xBB\xBF; note\n[s]\nk=v\n");
+  for (int round = 0; round < 2; ++round) {
+    TMemIniFile ini(dir / "a.ini");
+    TStringList lines;
+    ini.GetStrings(&lines);
+    ASSERT_GT(lines.Count(), 0);
+    EXPECT_EQ(lines[0], "\xEF\xBB\xBF\xEF\xBB\xBF; note") << round;
+    ini.UpdateFile();
+  }
+  TMemIniFile plain(dir / "plain.ini");
+  plain.WriteString("s", "k", "v");
+  TStringList lines;
+  plain.GetStrings(&lines);
+  EXPECT_EQ(lines[0], "[s]"); // no mark where no line needs one
+}
+
 TEST(TMemIniFile, EveryValueReadsBackAsWritten) {
   const std::vector<std::string> values = {"",
                                            " lead",
