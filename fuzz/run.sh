@@ -10,7 +10,7 @@ shift
 here=$(cd "$(dirname "$0")" && pwd)
 seconds=${FUZZ_SECONDS:-60}
 runs=${FUZZ_RUNS:--1}
-targets=${*:-"Regex Utf8 CodePages StoredHeads WideList Masks Listings Zip"}
+targets=${*:-"Regex Utf8 CodePages StoredHeads WideList Masks Listings Zip Ini Log Languages"}
 mkdir -p "$build/corpus" "$build/findings"
 status=0
 for t in $targets; do
