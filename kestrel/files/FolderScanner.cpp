@@ -15,29 +15,6 @@ constexpr int32_t kDirectoryAttr = 0x10;
 constexpr int32_t kVolumeAttr = 0x08;
 constexpr int32_t kHiddenAttr = 0x02;
 
-// Closes a directory search on every way out.
-class SearchScope {
-public:
-  SearchScope(const std::string &path, int32_t attr) {
-    FCode = FindFirst(path, attr, FRec);
-    FError = FCode == 0 ? 0 : GetLastOSError();
-    FFound = FCode == 0;
-  }
-  ~SearchScope() { FindClose(FRec); }
-  SearchScope(const SearchScope &) = delete;
-  SearchScope &operator=(const SearchScope &) = delete;
-  bool Found() const { return FFound; }
-  void Next() { FFound = FindNext(FRec) == 0; }
-  const TSearchRec &Rec() const { return FRec; }
-  int32_t Code() const { return FCode; } // of FindFirst
-  int32_t Error() const { return FError; }
-
-private:
-  TSearchRec FRec{};
-  bool FFound = false;
-  int32_t FCode = 0, FError = 0;
-};
-
 bool IsFolderOrVolume(const TSearchRec &rec) {
   return (rec.Attr & (kDirectoryAttr | kVolumeAttr)) != 0;
 }
@@ -152,62 +129,71 @@ void TPeruseDir::NoteUnreadableFolder(const std::string &folder, int32_t code, i
     Skipped(name, TSkipReason::UnreadableFolder, SysErrorMessage(error));
 }
 
+// One reading of the folder serves the archive pass and every file mask; it
+// is kept for a walk that comes to the same folder next (FolderReading).
 void TPeruseDir::ScanFolder(const std::string &folder, Sink &sink) {
   const std::string dir = IncludeTrailingPathDelimiter(folder);
+  auto entries = std::make_shared<TFolderEntries>();
+  const int32_t code = entries->Read(dir);
+  if (code != 0) {
+    NoteUnreadableFolder(dir, code, errno);
+    return;
+  }
+  FLastReading = entries;
+  // Folders take no part here: the listing's kinds pass them by unlooked-at.
+  const int32_t attr = fAttributes & ~faDirectory;
   if (fLookInZips) {
-    SearchScope zips(dir + ZipSearchPattern(), fAttributes);
-    NoteUnreadableFolder(dir, zips.Code(), zips.Error());
-    while (zips.Found()) {
-      const TSearchRec &found = zips.Rec();
-      if (!IsFolderOrVolume(found)) {
-        if (IsSpecial(found))
-          Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
-        else
-          AddAZipTo(sink, dir, found.Name);
-        MyYieldProcess();
-      }
-      zips.Next();
+    const TFileMask zipMask(ZipSearchPattern());
+    for (const TFolderEntries::Entry &e : entries->Entries()) {
+      TSearchRec found;
+      if (!entries->Find(e, zipMask, attr, found) || IsFolderOrVolume(found)) continue;
+      if (IsSpecial(found))
+        Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
+      else
+        AddAZipTo(sink, dir, found.Name);
+      MyYieldProcess();
       if (!fCarryOn) break;
     }
   }
   ForEachMaskText(fFileMaskText, [&](const std::string &mask) {
-    SearchScope files(dir + mask, fAttributes);
-    NoteUnreadableFolder(dir, files.Code(), files.Error());
-    while (files.Found()) {
-      const TSearchRec &found = files.Rec();
-      if (!IsFolderOrVolume(found)) {
-        if (!fZipsAsFiles && fIsAZipfile(found.Name)) {
-          // an archive: its members were the zip pass's
-        } else if (IsSpecial(found)) {
-          Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
-        } else {
-          TMySearchRec rec;
-          if (sink.guardDates) {
-            // A missing or bad stamp lists as 1 January 1970.
-            rec.Date = EncodeDateDay(1970, 1);
-            if (found.Time != 0) try {
-                rec.Date = FileDateToDateTime(found.Time);
-              } catch (const Exception &) {
-              }
-          } else {
-            rec.Date = FileDateToDateTime(found.Time);
-          }
-          rec.Size = static_cast<int32_t>(found.Size); // the low 32 bits, as stored
-          rec.FullSize = found.Size;
-          rec.Attr = found.Attr;
-          rec.ZipNumber = 0;
-          rec.Name = found.Name;
-          if (sink.list != nullptr)
-            sink.list->AddRec(rec);
-          else
-            OnListingFile(rec);
-        }
-        MyYieldProcess();
+    const TFileMask fileMask(mask);
+    for (const TFolderEntries::Entry &e : entries->Entries()) {
+      TSearchRec found;
+      if (!entries->Find(e, fileMask, attr, found) || IsFolderOrVolume(found)) continue;
+      if (!fZipsAsFiles && fIsAZipfile(found.Name)) {
+        // an archive: its members were the zip pass's
+      } else if (IsSpecial(found)) {
+        Skipped(dir + found.Name, TSkipReason::NotAFile, FileKindText(found.Kind));
+      } else {
+        ListFile(sink, found);
       }
-      files.Next();
+      MyYieldProcess();
       if (!fCarryOn) break;
     }
   });
+}
+
+void TPeruseDir::ListFile(Sink &sink, const TSearchRec &found) {
+  TMySearchRec rec;
+  if (sink.guardDates) {
+    // A missing or bad stamp lists as 1 January 1970.
+    rec.Date = EncodeDateDay(1970, 1);
+    if (found.Time != 0) try {
+        rec.Date = FileDateToDateTime(found.Time);
+      } catch (const Exception &) {
+      }
+  } else {
+    rec.Date = FileDateToDateTime(found.Time);
+  }
+  rec.Size = static_cast<int32_t>(found.Size); // the low 32 bits, as stored
+  rec.FullSize = found.Size;
+  rec.Attr = found.Attr;
+  rec.ZipNumber = 0;
+  rec.Name = found.Name;
+  if (sink.list != nullptr)
+    sink.list->AddRec(rec);
+  else
+    OnListingFile(rec);
 }
 
 bool TPeruseDir::HandleAllFilesIn(const std::string &folder) {
@@ -307,35 +293,59 @@ bool TPeruseDir::MayEnter(const std::string &full, const TSearchRec &found) {
   return true;
 }
 
+// The reading of a folder that the walk is about to enter: the one made for
+// it while OnFoundDir ran (a caller that lists each folder it is told of), or
+// a new one. Either way the folder is read once per step of the walk.
+std::shared_ptr<TFolderEntries> TPeruseDir::FolderReading(const std::string &folder,
+                                                          int32_t &code) {
+  std::shared_ptr<TFolderEntries> entries = std::move(FLastReading);
+  FLastReading.reset();
+  code = 0;
+  if (entries && entries->Folder() == IncludeTrailingPathDelimiter(folder)) return entries;
+  entries = std::make_shared<TFolderEntries>();
+  code = entries->Read(folder);
+  return entries;
+}
+
 void TPeruseDir::fCountAnySubDirectories(const std::string &pathWithMask, int32_t maskNumber) {
   if (maskNumber < 1 || maskNumber > fDirMaskCount) return;
   const TMyMask *mask = fDirMask[maskNumber - 1];
   const std::string parent = ExtractFilePath(pathWithMask);
-  if (FWalkDepth == 0) { // a new walk: its start is walked
+  if (FWalkDepth == 0) { // a new walk: its start is walked, and read afresh
     FWalked.clear();
+    FLastReading.reset();
     TFileKind kind;
     TFileIdentity start;
     if (FileKindOf(parent.empty() ? std::string(".") : parent, kind, start)) FWalked.insert(start);
   }
   DepthScope depth(FWalkDepth);
-  SearchScope search(pathWithMask, kDirectoryAttr);
-  NoteUnreadableFolder(parent, search.Code(), search.Error());
-  while (search.Found() && fCarryOn) {
+  int32_t code = 0;
+  const std::shared_ptr<TFolderEntries> entries = FolderReading(parent, code);
+  if (code != 0) {
+    NoteUnreadableFolder(parent, code, errno);
+    return;
+  }
+  const TFileMask fileMask(ExtractFileName(pathWithMask));
+  for (const TFolderEntries::Entry &e : entries->Entries()) {
+    if (!fCarryOn) break;
+    // Only folders count, none with a leading dot: what the listing already
+    // shows to be no folder is passed by without a look.
+    if (e.Name.empty() || e.Name[0] == '.' || TFolderEntries::SurelyNoFolder(e)) continue;
+    TSearchRec found;
+    if (!entries->Find(e, fileMask, kDirectoryAttr, found)) continue;
     MyYieldProcess();
-    const TSearchRec &found = search.Rec();
     // A folder without a dot gets one, so that a mask with a dot can take it.
     const std::string testName =
         found.Name.find('.') == std::string::npos ? found.Name + "." : found.Name;
-    const bool counts = (found.Attr & kDirectoryAttr) != 0 && !found.Name.empty() &&
-                        found.Name[0] != '.' && (found.Attr & (kVolumeAttr | kHiddenAttr)) == 0 &&
-                        mask->Matches(testName);
+    const bool counts = (found.Attr & kDirectoryAttr) != 0 &&
+                        (found.Attr & (kVolumeAttr | kHiddenAttr)) == 0 && mask->Matches(testName);
     const std::string full = IncludeTrailingPathDelimiter(parent) + found.Name;
     if (counts && MayEnter(full, found)) {
       ++fDirsFound;
+      FLastReading.reset(); // what OnFoundDir reads next may serve the step below
       if (OnFoundDir) OnFoundDir(full);
       fCountAnySubDirectories(IncludeTrailingPathDelimiter(full) + mask->MaskText, maskNumber);
     }
-    search.Next();
   }
 }
 

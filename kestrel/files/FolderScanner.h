@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -86,6 +87,8 @@ private:
   // Sink of the two passes: the events, or a list.
   struct Sink;
   void ScanFolder(const std::string &folder, Sink &sink);
+  void ListFile(Sink &sink, const TSearchRec &found);
+  std::shared_ptr<TFolderEntries> FolderReading(const std::string &folder, int32_t &code);
   void AddAZipTo(Sink &sink, const std::string &folder, const std::string &zipName);
   std::string ZipSearchPattern() const;
   void FreeMasks();
@@ -95,7 +98,8 @@ private:
 
   std::set<TFileIdentity> FWalked; // folders of the current walk
   int32_t FWalkDepth = 0;
-  std::set<std::string> FUnreadable; // folders reported so far
+  std::set<std::string> FUnreadable;            // folders reported so far
+  std::shared_ptr<TFolderEntries> FLastReading; // the folder read last, for the walk
 };
 
 } // namespace kestrel

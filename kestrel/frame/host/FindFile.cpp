@@ -25,11 +25,6 @@ struct TSearchState {
 
 namespace {
 
-// "*" and "?" over code points, letters without case; brackets are plain.
-bool Glob(std::u32string_view name, std::u32string_view mask) {
-  return WildcardPattern::StarsAndQuestionMarks(mask).Matches(name);
-}
-
 TFileKind KindOf(const struct stat &st) {
   if (S_ISREG(st.st_mode)) return TFileKind::Regular;
   if (S_ISDIR(st.st_mode)) return TFileKind::Folder;
@@ -96,49 +91,155 @@ void Deliver(TSearchRec &F) {
 
 } // namespace
 
-bool MatchesFileMask(std::string_view name, std::string_view mask) {
-  if (mask.empty()) return false;
-  if (mask == "*" || mask == "*.*") return true;
-  std::u32string n = CodePointsOf(name), m = CodePointsOf(mask);
-  if (Glob(n, m)) return true;
-  bool dotless = n.find(U'.') == std::u32string::npos;
-  if (m.size() > 2 && m.compare(m.size() - 2, 2, U".*") == 0)
-    return Glob(n, std::u32string_view(m).substr(0, m.size() - 2));
-  if (m.size() > 1 && m.back() == U'.' && dotless)
-    return Glob(n, std::u32string_view(m).substr(0, m.size() - 1));
+// ---- File masks -------------------------------------------------------------
+
+// "*" and "?" over code points, letters without case; brackets are plain.
+// The mask as a pattern, and for a mask that ends in ".*" or "." the pattern
+// without that end, which takes names the whole mask misses.
+struct TFileMask::Compiled {
+  enum class Tail : uint8_t { None, DotStar, Dot };
+  WildcardPattern whole, shorter;
+  Tail tail = Tail::None;
+};
+
+TFileMask::TFileMask(std::string_view mask) {
+  if (mask.empty()) return;
+  if (mask == "*" || mask == "*.*") {
+    FAll = true;
+    return;
+  }
+  const std::u32string m = CodePointsOf(mask);
+  FCompiled = std::make_unique<Compiled>();
+  FCompiled->whole = WildcardPattern::StarsAndQuestionMarks(m);
+  const std::u32string_view v(m);
+  if (m.size() > 2 && v.substr(m.size() - 2) == U".*") {
+    FCompiled->tail = Compiled::Tail::DotStar;
+    FCompiled->shorter = WildcardPattern::StarsAndQuestionMarks(v.substr(0, m.size() - 2));
+  } else if (m.size() > 1 && m.back() == U'.') {
+    FCompiled->tail = Compiled::Tail::Dot;
+    FCompiled->shorter = WildcardPattern::StarsAndQuestionMarks(v.substr(0, m.size() - 1));
+  }
+}
+
+TFileMask::~TFileMask() = default;
+TFileMask::TFileMask(TFileMask &&) noexcept = default;
+TFileMask &TFileMask::operator=(TFileMask &&) noexcept = default;
+
+bool TFileMask::Matches(std::string_view name) const {
+  if (FAll) return true;
+  if (!FCompiled) return false;
+  const std::u32string n = CodePointsOf(name);
+  if (FCompiled->whole.Matches(n)) return true;
+  switch (FCompiled->tail) {
+  case Compiled::Tail::DotStar:
+    return FCompiled->shorter.Matches(n);
+  case Compiled::Tail::Dot:
+    return n.find(U'.') == std::u32string::npos && FCompiled->shorter.Matches(n);
+  case Compiled::Tail::None:
+    break;
+  }
   return false;
 }
 
+bool MatchesFileMask(std::string_view name, std::string_view mask) {
+  return TFileMask(mask).Matches(name);
+}
+
+// ---- One reading of a folder ---------------------------------------------------
+
+namespace {
+
+// The kind the folder listing gives, when it gives one that needs no look:
+// not for a link (what it leads to counts) nor where the file system is silent.
+bool KindFromListing(uint8_t type, TFileKind &kind) {
+  switch (type) {
+  case DT_REG:
+    kind = TFileKind::Regular;
+    return true;
+  case DT_DIR:
+    kind = TFileKind::Folder;
+    return true;
+  case DT_FIFO:
+    kind = TFileKind::Fifo;
+    return true;
+  case DT_SOCK:
+    kind = TFileKind::Socket;
+    return true;
+  case DT_CHR:
+    kind = TFileKind::CharDevice;
+    return true;
+  case DT_BLK:
+    kind = TFileKind::BlockDevice;
+    return true;
+  default:
+    return false;
+  }
+}
+
+bool IsHiddenName(const std::string &name) {
+  return !name.empty() && name[0] == '.' && name != "." && name != "..";
+}
+
+} // namespace
+
+TFolderEntries::~TFolderEntries() {
+  if (FFolder) ::closedir(static_cast<DIR *>(FFolder));
+}
+
+int32_t TFolderEntries::Read(const std::string &folder) {
+  FFolderName = folder;
+  FEntries.clear();
+  if (FFolder) ::closedir(static_cast<DIR *>(FFolder));
+  FFolder = nullptr;
+  const std::string native = folder.empty() ? std::string(".") : NativePath(folder);
+  DIR *dir = ::opendir(native.c_str());
+  if (!dir) return FolderErrorCode(errno);
+  while (dirent *e = ::readdir(dir))
+    FEntries.push_back({e->d_name, e->d_type});
+  // Kept open: its descriptor serves the looks at entries by name.
+  FFolder = dir;
+  std::sort(FEntries.begin(), FEntries.end(),
+            [](const Entry &a, const Entry &b) { return a.Name < b.Name; });
+  return 0;
+}
+
+bool TFolderEntries::Find(const Entry &entry, const TFileMask &mask, int32_t attr,
+                          TSearchRec &r) const {
+  if (!FFolder || !mask.Matches(entry.Name)) return false;
+  const int32_t exclude = ~attr & (faHidden | faSysFile | faDirectory);
+  if ((exclude & faHidden) && IsHiddenName(entry.Name)) return false;
+  TFileKind kind;
+  if (KindFromListing(entry.Type, kind)) {
+    if ((exclude & faDirectory) && kind == TFileKind::Folder) return false;
+    const bool special = kind != TFileKind::Folder && kind != TFileKind::Regular;
+    if ((exclude & faSysFile) && special) return false;
+  }
+  return LookAt(::dirfd(static_cast<DIR *>(FFolder)), entry.Name, r) && (r.Attr & exclude) == 0;
+}
+
+bool TFolderEntries::SurelyNoFolder(const Entry &entry) {
+  TFileKind kind;
+  return KindFromListing(entry.Type, kind) && kind != TFileKind::Folder;
+}
+
+// ---- The search -----------------------------------------------------------------
+
 int32_t FindFirst(const std::string &path, int32_t attr, TSearchRec &F) {
   FindClose(F);
-  std::string folder = ExtractFilePath(path);
-  std::string mask = ExtractFileName(path);
-  std::string native = folder.empty() ? std::string(".") : NativePath(folder);
-  int dirfd = ::open(native.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (dirfd < 0) return FolderErrorCode(errno);
-  DIR *dir = ::fdopendir(dirfd);
-  if (!dir) {
-    int error = errno;
-    ::close(dirfd);
-    errno = error;
-    return FolderErrorCode(error);
-  }
+  TFolderEntries folder;
+  const int32_t code = folder.Read(ExtractFilePath(path));
+  if (code != 0) return code;
   F.ExcludeAttr = ~attr & (faHidden | faSysFile | faDirectory);
+  const TFileMask mask(ExtractFileName(path));
   auto state = std::make_shared<TSearchState>();
-  while (dirent *e = ::readdir(dir)) {
-    std::string name = e->d_name;
-    if (!MatchesFileMask(name, mask)) continue;
+  for (const TFolderEntries::Entry &e : folder.Entries()) {
     TSearchRec r;
-    if (!LookAt(dirfd, name, r) || (r.Attr & F.ExcludeAttr)) continue;
-    state->matches.push_back(std::move(r));
+    if (folder.Find(e, mask, attr, r)) state->matches.push_back(std::move(r));
   }
-  ::closedir(dir);
   if (state->matches.empty()) {
     errno = ENOENT;
     return ERROR_FILE_NOT_FOUND;
   }
-  std::sort(state->matches.begin(), state->matches.end(),
-            [](const TSearchRec &a, const TSearchRec &b) { return a.Name < b.Name; });
   F.FindHandle = std::move(state);
   Deliver(F);
   return 0;

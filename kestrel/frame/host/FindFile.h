@@ -21,13 +21,17 @@
 // system and folder entries whose bits are in the attribute argument.
 //
 // Matches come in the order of their names' bytes, so every run gives the same
-// order. The folder is read once, at FindFirst. When FindFirst fails, the
+// order. The folder is read once, at FindFirst, and an entry is looked at
+// (stat) only when the search may return it: the kind the folder listing
+// gives leaves folders and special files out without one. When FindFirst fails, the
 // system's reason stays in GetLastOSError (ENOENT when nothing matched).
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <kestrel/frame/host/Types.h>
 
@@ -93,6 +97,56 @@ void FindClose(TSearchRec &F);
 
 // The file-name rule of the search, for one name and one mask.
 bool MatchesFileMask(std::string_view name, std::string_view mask);
+
+// A file mask prepared once for many names, with the rule of MatchesFileMask.
+class TFileMask {
+public:
+  explicit TFileMask(std::string_view mask);
+  ~TFileMask();
+  TFileMask(TFileMask &&) noexcept;
+  TFileMask &operator=(TFileMask &&) noexcept;
+  bool Matches(std::string_view name) const;
+
+private:
+  struct Compiled;
+  std::unique_ptr<Compiled> FCompiled; // null: every name, or none
+  bool FAll = false;
+};
+
+// One reading of a folder, for a walk that looks at the same folder more than
+// once: its entries in name order, each with its kind when the listing gives
+// it, so that entries a search leaves out by kind cost no further system
+// call. FindFirst reads its folder this way.
+class TFolderEntries {
+public:
+  struct Entry {
+    std::string Name;
+    uint8_t Type; // the listing's d_type; DT_UNKNOWN when it says nothing
+  };
+
+  TFolderEntries() = default;
+  ~TFolderEntries();
+  TFolderEntries(const TFolderEntries &) = delete;
+  TFolderEntries &operator=(const TFolderEntries &) = delete;
+
+  // Reads the folder ("" is the current one): 0, or FindFirst's code for a
+  // folder that can't be read (3, 5, 206) with the reason in errno.
+  int32_t Read(const std::string &folder);
+  const std::string &Folder() const { return FFolderName; }
+  const std::vector<Entry> &Entries() const { return FEntries; }
+
+  // The record FindFirst(folder + mask, attr) gives for the entry, looked at
+  // only when the mask takes it and its kind and name don't already leave it
+  // out; false when it is left out or has gone meanwhile.
+  bool Find(const Entry &entry, const TFileMask &mask, int32_t attr, TSearchRec &r) const;
+  // The listing shows the entry to be something else than a folder or a link.
+  static bool SurelyNoFolder(const Entry &entry);
+
+private:
+  std::string FFolderName;
+  std::vector<Entry> FEntries;
+  void *FFolder = nullptr; // the open listing (DIR), whose descriptor looks at entries
+};
 
 // The attribute bits of a file or folder, -1 when it isn't there.
 int32_t FileGetAttr(const std::string &fileName);
