@@ -104,6 +104,8 @@ TVCLUnZip::~TVCLUnZip() {
 void TVCLUnZip::CloseArchive() {
   if (FArchive) zip_discard(FArchive);
   FArchive = nullptr;
+  FConsistencyChecked = false;
+  FInconsistency.clear();
   FMembers.clear();
   FComment.clear();
 }
@@ -122,7 +124,7 @@ void TVCLUnZip::ReadZip() {
   if (!S_ISREG(st.st_mode) || st.st_size == 0) // libzip would take an empty file as an archive
     CannotRead(FZipName, ZipErrorText(ZIP_ER_NOZIP));
   int code = 0;
-  zip *archive = zip_open(path.c_str(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
+  zip *archive = zip_open(path.c_str(), ZIP_RDONLY, &code);
   if (!archive) CannotRead(FZipName, ZipErrorText(code));
   FArchive = archive;
   try {
@@ -270,6 +272,7 @@ std::string TVCLUnZip::ReadMember(int32_t index,
                                   const std::function<bool(const char *, size_t)> &write) {
   const Member &m = FMembers[static_cast<size_t>(index)];
   if (m.encrypted) return "the member is encrypted";
+  if (!CheckConsistency()) return FInconsistency;
   zip_file_t *in = zip_fopen_index(FArchive, static_cast<zip_uint64_t>(index), 0);
   if (!in) return zip_strerror(FArchive);
   std::string failure;
@@ -298,6 +301,22 @@ std::string TVCLUnZip::ReadMember(int32_t index,
   if (failure.empty() && total != m.size)
     failure = "the member's data is shorter than its directory entry says";
   return failure;
+}
+
+// Every local header against the central directory (libzip's check), once:
+// a listing needs only the directory, a reader needs the members' data to be
+// where the directory says.
+bool TVCLUnZip::CheckConsistency() {
+  if (!FConsistencyChecked) {
+    int code = 0;
+    zip *checked = zip_open(NativePath(FZipName).c_str(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
+    if (checked)
+      zip_discard(checked);
+    else
+      FInconsistency = ZipErrorText(code);
+    FConsistencyChecked = true;
+  }
+  return FInconsistency.empty();
 }
 
 std::string TVCLUnZip::MemberName(int32_t index) const {

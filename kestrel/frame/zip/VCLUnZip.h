@@ -67,7 +67,10 @@ public:
   std::string GetZipName() const { return FZipName; }
 
   // Reads the directory of the named archive; raises EZipError when the file
-  // is missing, empty or not an archive it can read.
+  // is missing, empty or not an archive it can read. Only the central
+  // directory is read: the first member read checks every member's local
+  // header against it (once per archive), and a member of an archive that
+  // fails the check is refused with libzip's reason.
   void ReadZip();
   int32_t GetCount() const { return static_cast<int32_t>(FMembers.size()); }
   // The archive comment as stored, byte for byte.
@@ -112,6 +115,7 @@ public:
   TUZEntryReadEvent OnEntryRead;
 
 private:
+  bool CheckConsistency();
   struct Member {
     std::string pathname, filename;
     TDateTime dateTime = 0;
@@ -132,6 +136,8 @@ private:
   std::string FZipName, FDestDir, FComment;
   std::vector<Member> FMembers;
   zip *FArchive = nullptr;
+  bool FConsistencyChecked = false;
+  std::string FInconsistency; // why the archive failed the check; empty when it passed
 };
 
 namespace Kpsmall {
