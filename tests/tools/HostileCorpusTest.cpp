@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -38,7 +39,7 @@ struct KestrelRun {
 // permissions hold), killed after `seconds`. signalAfterMs > 0 sends
 // SIGTERM that long after the start.
 KestrelRun Kestrel(const std::vector<std::string> &args, const std::string &tmp, int seconds = 60,
-                   int signalAfterMs = 0) {
+                   int signalAfterMs = 0, rlim_t addressSpace = RLIM_INFINITY) {
   TempDir outputs;
   ::chmod(outputs.Path().c_str(), 0777);
   const std::string out = outputs / "out", err = outputs / "err";
@@ -51,6 +52,8 @@ KestrelRun Kestrel(const std::vector<std::string> &args, const std::string &tmp,
     ::dup2(e, 2);
     ::dup2(in, 0);
     ::setenv("TMPDIR", tmp.c_str(), 1);
+    const struct rlimit limit = {addressSpace, addressSpace};
+    if (addressSpace != RLIM_INFINITY && ::setrlimit(RLIMIT_AS, &limit) != 0) ::_exit(125);
     if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(126);
     const std::string program = std::string(KESTREL_BINARY_DIR) + "/tools/kestrel";
     std::vector<char *> argv{const_cast<char *>(program.c_str())};
@@ -177,6 +180,54 @@ TEST(HostileCorpus, SearchEndsReportsEachProblemAndKeepsTheRest) {
         "note: " + h.c + "/pipe.txt: a FIFO (named pipe), not read"})
     EXPECT_TRUE(Has(r.err, line)) << line << "\n" << r.err;
   EXPECT_TRUE(Left(h.tmp.Path()).empty());
+}
+
+TEST(HostileCorpus, WordsReportsEachProblemAndCountsTheRest) {
+  Hostile h;
+  const KestrelRun r = Kestrel(
+      {"words", "--recursive", "--files", "*.txt", "--max-file-size", "1M", "--format", "tsv", h.c},
+      h.tmp.Path());
+  EXPECT_EQ(r.status, 2) << r.err;
+  // The six readable texts that hold it, each member read from its own archive.
+  EXPECT_TRUE(Has(r.out, "\tkestrel\t6\t")) << r.out;
+  EXPECT_TRUE(Has(r.out, "\tzip\t2\t")) << r.out; // "of inner.zip", "of corpus.zip"
+  for (const std::string &line :
+       {"kestrel words: " + h.c + "/bad.zip: Not a zip archive",
+        "kestrel words: " + h.c + "/closed.txt: Permission denied",
+        "kestrel words: " + h.c + "/crc.zip/crc.txt: CRC error",
+        "note: " + h.c + "/names.zip/bomb.txt: larger than --max-file-size (4.0 MiB > 1.0 MiB)",
+        "note: " + h.c + "/pipe.txt: a FIFO (named pipe), not read",
+        std::string("3 files could not be read (CRC error: 1, Not a zip archive: 1, "
+                    "Permission denied: 1)")})
+    EXPECT_TRUE(Has(r.err, line)) << line << "\n" << r.err;
+  EXPECT_TRUE(Left(h.tmp.Path()).empty());
+}
+
+// A text larger than the memory the run may take is one failure named with
+// its file (the bare "std::bad_alloc" named none), and the run goes on.
+TEST(HostileCorpus, ATextBeyondTheMemoryIsOneFailureNamed) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "a bound on the address space does not go with AddressSanitizer";
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+  GTEST_SKIP() << "a bound on the address space does not go with AddressSanitizer";
+#endif
+#endif
+  TempDir dir;
+  ::chmod(dir.Path().c_str(), 0755);
+  dir.WriteFile("a.txt", "a kestrel\n");
+  const std::string big = dir / "big.txt";
+  const int fd = ::open(big.c_str(), O_WRONLY | O_CREAT, 0644);
+  ASSERT_EQ(::ftruncate(fd, int64_t(768) << 20), 0); // sparse: no disk taken
+  ::close(fd);
+  for (const char *command : {"search", "words"}) {
+    std::vector<std::string> args{command, dir / "a.txt", big};
+    if (args[0] == "search") args.insert(args.begin() + 1, "kestrel");
+    const KestrelRun r = Kestrel(args, dir.Path(), 60, 0, rlim_t(512) << 20);
+    EXPECT_EQ(r.status, 2) << command << "\n" << r.err;
+    EXPECT_TRUE(Has(r.err, big + ": out of memory")) << command << "\n" << r.err;
+    EXPECT_TRUE(Has(r.out, "kestrel")) << command << "\n" << r.out;
+  }
 }
 
 TEST(HostileCorpus, IdentifyJudgesEveryFileItCanRead) {

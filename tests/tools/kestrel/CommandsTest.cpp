@@ -158,6 +158,9 @@ const Row kRows[] = {
     {"search-folder-files", {"search", "--files", "*.doc", "text", "corpus"}},
     {"search-archive", {"search", "--json", "kestrel", "corpus/c.zip"}},
     {"search-damaged-archive", {"search", "kestrel", "bad.zip"}},
+    {"words-damaged-archive", {"words", "bad.zip"}},
+    {"words-missing-file", {"words", "missing.txt", "flags.txt"}},
+    {"words-folder-recursive", {"words", "--recursive", "--top", "3", "corpus"}},
     // langs: an all-languages file (the system's own list depends on ICU: LangsCommandTest).
     {"langs-favourites", {"langs", "--favourites", "languages.ini"}},
     {"langs-favourites-json", {"langs", "--json", "--favourites=languages.ini"}},
