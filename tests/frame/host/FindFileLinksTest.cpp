@@ -7,6 +7,7 @@
 #include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include <kestrel/frame/host/FindFile.h>
 #include <kestrel/frame/host/SysUtils.h>
@@ -74,6 +75,42 @@ TEST(FindFileLinks, LinksCarryTheirTargetsKindAndTheLinkBit) {
   TFileIdentity id;
   EXPECT_FALSE(FileKindOf(t / "none", kind, id));
   EXPECT_EQ(GetLastOSError(), ENOENT);
+}
+
+// The kinds the folder listing gives spare the search a look at entries it
+// leaves out; a link's kind is its target's, which only a look can tell.
+TEST(FindFileLinks, TheAttributesLeaveOutByTheKindOfWhatANameLeadsTo) {
+  TempDir t;
+  t.WriteFile("file.txt", "abc");
+  t.WriteFile(".hidden", "abc");
+  fs::create_directory(t / "folder");
+  ASSERT_EQ(::mkfifo((t / "fifo").c_str(), 0644), 0);
+  fs::create_symlink(t / "folder", t / "to-folder");
+  fs::create_symlink(t / "file.txt", t / "to-file");
+  fs::create_symlink("/dev/zero", t / "to-zero");
+  fs::create_symlink(t / "gone", t / "broken");
+  using V = std::vector<std::string>;
+  const struct {
+    int32_t attr;
+    V names;
+  } rows[] = {
+      {0, {"file.txt", "to-file"}},
+      {faReadOnly | faArchive, {"file.txt", "to-file"}},
+      {faHidden, {".hidden", "file.txt", "to-file"}},
+      {faDirectory, {".", "..", "file.txt", "folder", "to-file", "to-folder"}},
+      {faSysFile, {"broken", "fifo", "file.txt", "to-file", "to-zero"}},
+      {faAnyFile,
+       {".", "..", ".hidden", "broken", "fifo", "file.txt", "folder", "to-file", "to-folder",
+        "to-zero"}},
+  };
+  for (const auto &r : rows) {
+    V names;
+    TSearchRec sr;
+    for (int32_t code = FindFirst(t / "*", r.attr, sr); code == 0; code = FindNext(sr))
+      names.push_back(sr.Name);
+    FindClose(sr);
+    EXPECT_EQ(names, r.names) << "attributes " << r.attr;
+  }
 }
 
 TEST(FindFileLinks, FailuresKeepTheSystemsReason) {
