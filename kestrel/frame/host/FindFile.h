@@ -23,8 +23,9 @@
 // Matches come in the order of their names' bytes, so every run gives the same
 // order. The folder is read once, at FindFirst, and an entry is looked at
 // (stat) only when the search may return it: the kind the folder listing
-// gives leaves folders and special files out without one. When FindFirst fails, the
-// system's reason stays in GetLastOSError (ENOENT when nothing matched).
+// gives leaves folders and special files out without one. When FindFirst
+// fails, the system's reason stays in GetLastOSError (ENOENT when nothing
+// matched).
 #pragma once
 
 #include <cstdint>
