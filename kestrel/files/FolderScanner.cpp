@@ -2,6 +2,7 @@
 #include <kestrel/files/FolderScanner.h>
 
 #include <memory>
+#include <vector>
 
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/myKpSmall.h>
@@ -325,14 +326,20 @@ void TPeruseDir::fCountAnySubDirectories(const std::string &pathWithMask, int32_
     NoteUnreadableFolder(parent, code, errno);
     return;
   }
+  // Only folders count, none with a leading dot: what the listing already
+  // shows to be no folder is passed by without a look. The folders are looked
+  // at before the walk goes down, so that it holds no folder open below: a
+  // deep tree must not run out of descriptors.
   const TFileMask fileMask(ExtractFileName(pathWithMask));
+  std::vector<TSearchRec> candidates;
   for (const TFolderEntries::Entry &e : entries->Entries()) {
-    if (!fCarryOn) break;
-    // Only folders count, none with a leading dot: what the listing already
-    // shows to be no folder is passed by without a look.
-    if (e.Name.empty() || e.Name[0] == '.' || TFolderEntries::SurelyNoFolder(e)) continue;
     TSearchRec found;
-    if (!entries->Find(e, fileMask, kDirectoryAttr, found)) continue;
+    if (e.Name.empty() || e.Name[0] == '.' || TFolderEntries::SurelyNoFolder(e)) continue;
+    if (entries->Find(e, fileMask, kDirectoryAttr, found)) candidates.push_back(std::move(found));
+  }
+  entries->Close();
+  for (const TSearchRec &found : candidates) {
+    if (!fCarryOn) break;
     MyYieldProcess();
     // A folder without a dot gets one, so that a mask with a dot can take it.
     const std::string testName =

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/fsuid.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -160,6 +161,33 @@ TEST(FolderScannerHostile, FoldersThatCantBeReadAreReportedOnce) {
       << w.skipped[1];
   // The deep tree is past what a removal by full names can reach.
   EXPECT_EQ(std::system(("rm -rf " + t / part).c_str()), 0);
+}
+
+} // namespace
+} // namespace kestrel
+
+namespace kestrel {
+namespace {
+
+// A deep tree walks to its bottom with few descriptors to spare: the walk
+// holds no folder open while it is below it.
+TEST(FolderScannerHostile, ADeepTreeWalksWithFewDescriptors) {
+  TempDir t;
+  std::string deepest;
+  for (int level = 0; level < 120; ++level)
+    deepest += "d/";
+  t.WriteFile(deepest + "bottom.txt", "x");
+  struct rlimit saved;
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &saved), 0);
+  struct rlimit few = saved;
+  few.rlim_cur = 48;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+  Walk w(t.Path());
+  ::setrlimit(RLIMIT_NOFILE, &saved);
+  EXPECT_EQ(w.skipped, Lines{});
+  EXPECT_EQ(w.scanner.fDirsFound, 120);
+  ASSERT_EQ(w.found.size(), 1u);
+  EXPECT_EQ(w.found[0].size(), 120 * 2 + std::string("bottom.txt").size());
 }
 
 } // namespace

@@ -183,14 +183,18 @@ bool IsHiddenName(const std::string &name) {
 } // namespace
 
 TFolderEntries::~TFolderEntries() {
+  Close();
+}
+
+void TFolderEntries::Close() {
   if (FFolder) ::closedir(static_cast<DIR *>(FFolder));
+  FFolder = nullptr;
 }
 
 int32_t TFolderEntries::Read(const std::string &folder) {
   FFolderName = folder;
   FEntries.clear();
-  if (FFolder) ::closedir(static_cast<DIR *>(FFolder));
-  FFolder = nullptr;
+  Close();
   const std::string native = folder.empty() ? std::string(".") : NativePath(folder);
   DIR *dir = ::opendir(native.c_str());
   if (!dir) return FolderErrorCode(errno);

@@ -134,6 +134,8 @@ public:
   // folder that can't be read (3, 5, 206) with the reason in errno.
   int32_t Read(const std::string &folder);
   const std::string &Folder() const { return FFolderName; }
+  // Lets the folder go (its descriptor too); the entries stay, Find finds no more.
+  void Close();
   const std::vector<Entry> &Entries() const { return FEntries; }
 
   // The record FindFirst(folder + mask, attr) gives for the entry, looked at
