@@ -42,10 +42,28 @@ void TUREFastScan::Build(const TDFA &Dfa) {
   if (n == 0) return;
   FDecisions.assign(DecisionCacheSize, TDecisionCache{});
   if (n > StepTableMaxStates) return;
-  FStep.resize(size_t(n) * 256);
-  for (uint32_t s = 0; s < n; ++s)
+  // What each symbol accepts below 256, tested once per symbol; a state's row
+  // then takes its transitions in order, so that the last that accepts wins,
+  // as Decide has it.
+  const TSymbolTable &symbols = Dfa.SymbolTable;
+  const bool fold = (Dfa.Flags & FoldCase) != 0;
+  std::vector<std::bitset<256>> accepts(symbols.SymbolsUsed);
+  for (uint32_t y = 0; y < symbols.SymbolsUsed; ++y)
     for (UCS4 c = 0; c < 256; ++c)
-      FStep[s * 256 + c] = (c == 0x0A || c == 0x0D) ? Anchored : Decide(Dfa, s, c);
+      accepts[y][c] = URESymbolAccepts(symbols.Symbols[y], 0, fold ? UnicodeToLower(c) : c);
+  FStep.assign(size_t(n) * 256, NoTarget);
+  for (uint32_t s = 0; s < n; ++s) {
+    int32_t *row = FStep.data() + size_t(s) * 256;
+    const TDFAState &st = Dfa.StateList.States[s];
+    for (uint32_t i = 0; i < st.NumberTransitions; ++i) {
+      const TTransition &tr = Dfa.TransitionList.Transitions[st.StartTransition + i];
+      const std::bitset<256> &a = accepts[tr.Symbol];
+      if (a.none()) continue;
+      for (UCS4 c = a._Find_first(); c < 256; c = a._Find_next(c))
+        row[c] = int32_t(tr.NextState);
+    }
+    row[0x0A] = row[0x0D] = Anchored;
+  }
   FindStartUnits(Dfa);
 }
 
