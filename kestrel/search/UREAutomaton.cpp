@@ -191,18 +191,19 @@ void TURESearch::AddSymbolState(uint32_t Symbol, uint32_t Expression) {
   if (i >= table.SymbolsUsed) return;
   TStateList &list = table.Symbols[i].States;
   const uint32_t used = uint32_t(list.ListUsed);
-  uint32_t index = used;
-  // States are mostly expanded in ascending order: try the end first.
-  if (used != 0 && list.List[used - 1] >= Expression) {
-    index = uint32_t(std::lower_bound(list.List.begin(), list.List.begin() + used, Expression) -
-                     list.List.begin());
-    if (list.List[index] == Expression) return;
-  }
-  SpendWork(1 + (used - index) / 16);
+  // The list stays in ascending order. Expressions mostly come in ascending
+  // order, with few larger ones already listed (the empty word is numbered
+  // last): the place is looked for from the end.
   GrowBy8(list.List, used);
-  std::memmove(list.List.data() + index + 1, list.List.data() + index,
-               (used - index) * sizeof(uint32_t));
-  list.List[index] = Expression;
+  uint32_t *at = list.List.data();
+  uint32_t index = used;
+  while (index > 0 && at[index - 1] > Expression)
+    --index;
+  if (index > 0 && at[index - 1] == Expression) return;
+  SpendWork(1 + (used - index) / 16);
+  for (uint32_t k = used; k > index; --k) // mostly none or one to move
+    at[k] = at[k - 1];
+  at[index] = Expression;
   ++list.ListUsed;
 }
 
