@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include <kestrel/search/URELiteralProbe.h>
 #include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
@@ -263,13 +264,9 @@ public:
   // The next occurrence of the literal from P on; End if none.
   uint32_t Find(const char16_t *Text, uint32_t P, uint32_t End);
 
-  // Two positions of the literal whose units are looked for together: the
-  // rarest ones, each a few units below 256.
-  struct TProbe {
-    uint32_t Offset = 0;
-    uint32_t Count = 0;
-    uint16_t Units[4] = {};
-  };
+  // The two positions of the literal whose units are looked for together:
+  // the rarest ones.
+  using TProbe = TLiteralProbe;
 
 private:
   bool Matches(const char16_t *At);

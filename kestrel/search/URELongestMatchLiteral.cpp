@@ -1,43 +1,14 @@
 // The required literal of TURELongestMatch: which part of the pattern it is,
-// and the search for it, two of its units compared at once over 16 (AVX2) or
-// 8 (SSE2) positions of the text.
+// and the jump to its next occurrence.
+#include <kestrel/search/URELiteralProbe.h>
 #include <kestrel/search/URELongestMatchInternal.h>
 
 #include <algorithm>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#endif
 
 #include <kestrel/unicode/Unicode.h>
 
 namespace kestrel::longest {
 namespace {
-
-constexpr size_t MinLiteral = 2;
-
-// The items of a sequence, in order: sequences nest either way.
-void Flatten(const TExpressionList &Expressions, uint32_t Expr, std::vector<uint32_t> &Items) {
-  const TExpression &e = Expressions.Expressions[Expr];
-  if (e.ExprType != SequenceExpr) {
-    Items.push_back(Expr);
-    return;
-  }
-  Flatten(Expressions, e.LHS, Items);
-  Flatten(Expressions, e.RHS, Items);
-}
-
-// The symbol of a plain character of the basic plane, or NoExpression.
-uint32_t LiteralSymbol(const TExpressionList &Expressions, const TSymbolTable &Symbols,
-                       uint32_t Expr) {
-  const TExpression &e = Expressions.Expressions[Expr];
-  if (e.ExprType != SymbolExpr || e.LHS >= Symbols.SymbolsUsed) return NoExpression;
-  const TSymbolTableEntry &sym = Symbols.Symbols[e.LHS];
-  const UCS4 c = sym.Symbol.Chr;
-  if (sym.SymbolType != CharSymbol || c >= 0x10000 || (c >= 0xD800 && c <= 0xDFFF))
-    return NoExpression;
-  return e.LHS;
-}
 
 // Every symbol an expression can read.
 void SymbolsOf(const TExpressionList &Expressions, uint32_t Expr, std::vector<uint8_t> &Seen,
@@ -58,79 +29,6 @@ void SymbolsOf(const TExpressionList &Expressions, uint32_t Expr, std::vector<ui
     if (e.ExprType == SequenceExpr || e.ExprType == AlternativeExpr) work.push_back(e.RHS);
   }
 }
-
-// How often a unit stands in ordinary text, roughly: letters by their order
-// in English, capitals, digits and punctuation well behind, blanks first.
-uint32_t Commonness(uint16_t u) {
-  static const char order[] = "etaoinshrdlcumwfgypbvkjxqz";
-  if (u >= 'A' && u <= 'Z') u = uint16_t(u - 'A' + 'a');
-  if (u >= 'a' && u <= 'z') return 60 - 2 * uint32_t(std::find(order, order + 26, char(u)) - order);
-  if (u == ' ' || u == '\n' || u == '\r' || u == '\t') return 100;
-  if (u < 0x80) return 8;
-  return 2;
-}
-
-#if defined(__x86_64__) || defined(__i386__)
-using TProbe = TLiteralFilter::TProbe;
-
-// The positions from Run on where both probes hold, 8 or 16 at a time, while
-// the loads stay before Stop; Confirm checks a candidate. Returns the first
-// confirmed, or null with Run where the vector search stopped.
-template <typename Check>
-const char16_t *ProbeSse2(const char16_t *&Run, const char16_t *Stop, const TProbe *P,
-                          Check &&Confirm) {
-  __m128i a[4], b[4];
-  for (uint32_t k = 0; k < 4; ++k) {
-    a[k] = _mm_set1_epi16(short(P[0].Units[k < P[0].Count ? k : 0]));
-    b[k] = _mm_set1_epi16(short(P[1].Units[k < P[1].Count ? k : 0]));
-  }
-  for (; Run + 8 <= Stop; Run += 8) {
-    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run + P[0].Offset));
-    const __m128i w = _mm_loadu_si128(reinterpret_cast<const __m128i *>(Run + P[1].Offset));
-    __m128i x = _mm_cmpeq_epi16(v, a[0]), y = _mm_cmpeq_epi16(w, b[0]);
-    for (uint32_t k = 1; k < P[0].Count; ++k)
-      x = _mm_or_si128(x, _mm_cmpeq_epi16(v, a[k]));
-    for (uint32_t k = 1; k < P[1].Count; ++k)
-      y = _mm_or_si128(y, _mm_cmpeq_epi16(w, b[k]));
-    for (unsigned m = unsigned(_mm_movemask_epi8(_mm_and_si128(x, y))); m != 0;) {
-      const unsigned bit = unsigned(__builtin_ctz(m));
-      m &= ~(3u << bit); // two bits per unit
-      if (Confirm(Run + (bit >> 1))) return Run + (bit >> 1);
-    }
-  }
-  return nullptr;
-}
-
-template <typename Check>
-__attribute__((target("avx2"))) const char16_t *
-ProbeAvx2(const char16_t *&Run, const char16_t *Stop, const TProbe *P, Check &&Confirm) {
-  __m256i a[4], b[4];
-  for (uint32_t k = 0; k < 4; ++k) {
-    a[k] = _mm256_set1_epi16(short(P[0].Units[k < P[0].Count ? k : 0]));
-    b[k] = _mm256_set1_epi16(short(P[1].Units[k < P[1].Count ? k : 0]));
-  }
-  for (; Run + 16 <= Stop; Run += 16) {
-    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run + P[0].Offset));
-    const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(Run + P[1].Offset));
-    __m256i x = _mm256_cmpeq_epi16(v, a[0]), y = _mm256_cmpeq_epi16(w, b[0]);
-    for (uint32_t k = 1; k < P[0].Count; ++k)
-      x = _mm256_or_si256(x, _mm256_cmpeq_epi16(v, a[k]));
-    for (uint32_t k = 1; k < P[1].Count; ++k)
-      y = _mm256_or_si256(y, _mm256_cmpeq_epi16(w, b[k]));
-    for (unsigned m = unsigned(_mm256_movemask_epi8(_mm256_and_si256(x, y))); m != 0;) {
-      const unsigned bit = unsigned(__builtin_ctz(m));
-      m &= ~(3u << bit);
-      if (Confirm(Run + (bit >> 1))) return Run + (bit >> 1);
-    }
-  }
-  return nullptr;
-}
-
-const bool HaveAvx2 = [] {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") != 0;
-}();
-#endif
 
 } // namespace
 
@@ -203,23 +101,9 @@ bool TLiteralFilter::Matches(const char16_t *At) {
 }
 
 uint32_t TLiteralFilter::Find(const char16_t *Text, uint32_t P, uint32_t End) {
-  const uint32_t length = uint32_t(FSymbols.size());
-  if (End < length || P > End - length) return End;
-  const char16_t *run = Text + P;
-  const char16_t *last = Text + (End - length); // the last place it can start
-#if defined(__x86_64__) || defined(__i386__)
-  // The vector loads read from each probe's offset on: stop them where they
-  // would pass the end of the text.
-  const uint32_t reach = std::max(FProbe[0].Offset, FProbe[1].Offset);
-  const char16_t *stop = Text + (End - reach);
-  auto confirm = [this, last](const char16_t *at) { return at <= last && Matches(at); };
-  const char16_t *found =
-      HaveAvx2 ? ProbeAvx2(run, stop, FProbe, confirm) : ProbeSse2(run, stop, FProbe, confirm);
-  if (found != nullptr) return uint32_t(found - Text);
-#endif
-  for (; run <= last; ++run)
-    if (Matches(run)) return uint32_t(run - Text);
-  return End;
+  const char16_t *at = FindLiteral(Text + P, Text + End, uint32_t(FSymbols.size()), FProbe,
+                                   [this](const char16_t *q) { return Matches(q); });
+  return uint32_t(at - Text);
 }
 
 uint32_t TLiteralFilter::Resume(const char16_t *Text, uint32_t P, uint32_t End) {
