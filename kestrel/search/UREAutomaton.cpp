@@ -8,6 +8,7 @@
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
+#include <kestrel/search/URELiteralProbe.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
@@ -672,7 +673,16 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     }
     ++k;
   }
-  PrepareScan();
+  // The plain characters every match begins with, for the start search.
+  std::vector<uint32_t> items;
+  Flatten(UREBuffer.ExpressionList, start, items);
+  std::vector<UCS4> literal;
+  for (uint32_t item : items) {
+    const uint32_t symbol = LiteralSymbol(UREBuffer.ExpressionList, DFA.SymbolTable, item);
+    if (symbol == NoExpression) break;
+    literal.push_back(DFA.SymbolTable.Symbols[symbol].Symbol.Chr);
+  }
+  PrepareScan(literal);
 }
 
 } // namespace kestrel

@@ -3,6 +3,7 @@
 // can begin a match, many units at a time with SSE2 or AVX2.
 #include <kestrel/search/UREFastScan.h>
 
+#include <algorithm>
 #include <bitset>
 #include <mutex>
 
@@ -10,6 +11,7 @@
 #include <immintrin.h>
 #endif
 
+#include <kestrel/search/URELiteralProbe.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
@@ -34,9 +36,12 @@ void TUREFastScan::Clear() {
   FStartSkipsHigh = false;
   FStep.clear();
   FDecisions.clear();
+  FLiteral.clear();
+  FLiteralOn = false;
+  FHaveLast = false;
 }
 
-void TUREFastScan::Build(const TDFA &Dfa) {
+void TUREFastScan::Build(const TDFA &Dfa, const std::vector<UCS4> &Literal) {
   Clear();
   const uint32_t n = Dfa.StateList.StatesUsed;
   if (n == 0) return;
@@ -65,6 +70,7 @@ void TUREFastScan::Build(const TDFA &Dfa) {
     row[0x0A] = row[0x0D] = Anchored;
   }
   FindStartUnits(Dfa);
+  BuildLiteral(Dfa, Literal);
 }
 
 int32_t TUREFastScan::Decision(const TDFA &Dfa, uint32_t State, UCS4 C) {
@@ -246,9 +252,81 @@ const TStartFinder FindStart = ChooseStartFinder();
 
 } // namespace
 
+// The literal's jump, for a pattern with no anchors whose start state does
+// not accept: every match the one pass finds is a word of the pattern, so it
+// begins with the literal. From Run, where the scan is in the start state,
+// no match begins before the next occurrence Q; and after a unit that no
+// state reads the scan is in the start state again, with the unit passed.
+// So the scan may go on behind the last such unit before Q (or at Run).
+void TUREFastScan::BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Literal) {
+  const uint32_t n = Dfa.StateList.StatesUsed;
+  if (Literal.size() < MinLiteral || FStep.empty() || Dfa.StateList.States[0].Accepting) return;
+  for (uint32_t y = 0; y < Dfa.SymbolTable.SymbolsUsed; ++y) {
+    const uint32_t type = Dfa.SymbolTable.Symbols[y].SymbolType;
+    if (type == LineStartSymbol || type == LineEndSymbol) return;
+  }
+  FFold = (Dfa.Flags & FoldCase) != 0;
+  // Probes: positions whose units are known in full, the rarest first.
+  std::vector<std::pair<uint32_t, TLiteralProbe>> probes;
+  for (uint32_t j = 0; j < Literal.size(); ++j) {
+    const UCS4 c = Literal[j];
+    TLiteralProbe probe;
+    probe.Offset = j;
+    if (!FFold) {
+      probe.Units[probe.Count++] = uint16_t(c);
+    } else if (c < 256 && !FoldTargetsBelow256().test(c)) {
+      for (UCS4 u = 0; u < 256 && probe.Count < 4; ++u)
+        if (UnicodeToLower(u) == c) probe.Units[probe.Count++] = uint16_t(u);
+    }
+    if (probe.Count == 0) continue;
+    uint32_t common = 0;
+    for (uint32_t k = 0; k < probe.Count; ++k)
+      common += Commonness(probe.Units[k]);
+    probes.push_back({common, probe});
+  }
+  if (probes.empty()) return;
+  std::stable_sort(probes.begin(), probes.end(),
+                   [](const auto &l, const auto &r) { return l.first < r.first; });
+  FProbe[0] = probes[0].second;
+  FProbe[1] = probes.size() > 1 ? probes[1].second : probes[0].second;
+  for (UCS4 u = 0; u < 256; ++u) {
+    bool read = IsLineSeparator(u);
+    for (uint32_t s = 0; s < n && !read; ++s)
+      read = FStep[size_t(s) * 256 + u] != NoTarget;
+    FReset[u] = !read;
+  }
+  FLiteral = Literal;
+  FLiteralOn = true;
+}
+
+bool TUREFastScan::LiteralAt(const char16_t *At) const {
+  for (size_t j = 0; j < FLiteral.size(); ++j) {
+    const char16_t u = At[j];
+    if (IsHighSurrogateUnit(u) || IsLowSurrogateUnit(u)) return false;
+    if ((FFold ? UnicodeToLower(u) : UCS4(u)) != FLiteral[j]) return false;
+  }
+  return true;
+}
+
+const char16_t *TUREFastScan::JumpByLiteral(const char16_t *Run, const char16_t *End) {
+  // The occurrence found last is still the next while Run has not passed it.
+  if (FHaveLast && Run <= FLastFound) return std::max(Run, FLastResume);
+  const char16_t *q = FindLiteral(Run, End, uint32_t(FLiteral.size()), FProbe,
+                                  [this](const char16_t *at) { return LiteralAt(at); });
+  if (q == End) return End;
+  const char16_t *x = q;
+  while (x > Run && !(x[-1] < 256 && FReset[x[-1]]))
+    --x;
+  FHaveLast = true;
+  FLastFound = q;
+  FLastResume = x;
+  return x;
+}
+
 // The first unit from Run on that may begin a match, in the start state and
 // away from the first unit of the text; End if there is none.
-const char16_t *TUREFastScan::SkipToStart(const char16_t *Run, const char16_t *End) const {
+const char16_t *TUREFastScan::SkipToStart(const char16_t *Run, const char16_t *End) {
+  if (FLiteralOn && (Run = JumpByLiteral(Run, End)) == End) return End;
   if (FStartUnitsKnown && FStartSkipsHigh)
     return FindStart(Run, End, FStartLow.data(), FStartSpan.data(), FStartLow.size());
   while (Run < End) {

@@ -21,24 +21,22 @@ namespace kestrel {
 // Shorter literals gain nothing over the search for the first units.
 inline constexpr size_t MinLiteral = 2;
 
-// One position of a literal: its offset and the units (at most 4, all below
-// 256) that can stand there.
-struct TLiteralProbe {
-  uint32_t Offset = 0;
-  uint32_t Count = 0;
-  uint16_t Units[4] = {};
-};
-
-// The items of a sequence, in order: sequences nest either way.
+// The items of a sequence, in order: sequences nest either way, and as deep
+// as a pattern is long, so the walk keeps its own stack.
 inline void Flatten(const TExpressionList &Expressions, uint32_t Expr,
                     std::vector<uint32_t> &Items) {
-  const TExpression &e = Expressions.Expressions[Expr];
-  if (e.ExprType != SequenceExpr) {
-    Items.push_back(Expr);
-    return;
+  std::vector<uint32_t> pending = {Expr};
+  while (!pending.empty()) {
+    const uint32_t x = pending.back();
+    pending.pop_back();
+    const TExpression &e = Expressions.Expressions[x];
+    if (e.ExprType != SequenceExpr) {
+      Items.push_back(x);
+      continue;
+    }
+    pending.push_back(e.RHS);
+    pending.push_back(e.LHS);
   }
-  Flatten(Expressions, e.LHS, Items);
-  Flatten(Expressions, e.RHS, Items);
 }
 
 // The symbol of a plain character of the basic plane, or NoExpression.

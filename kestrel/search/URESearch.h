@@ -231,6 +231,8 @@ public:
   // The compiled automaton and the compile's working tables, for inspection.
   const TDFA &GetDFA() const { return DFA; }
   const TUREBuffer &GetUREBuffer() const { return UREBuffer; }
+  // Our accelerator of the scan, for inspection.
+  const TUREFastScan &GetFastScan() const { return FFastScan; }
 
 protected:
   // Parser (symbols, classes, properties). The stack's operations are inline:
@@ -301,7 +303,7 @@ private:
   [[noreturn]] void RaiseError(const char16_t *Pattern, uint32_t PatternLength, uint16_t Ident);
 
   // The tables of a compiled automaton, for the scan and its accelerator.
-  void PrepareScan();
+  void PrepareScan(const std::vector<UCS4> &Literal);
   int32_t TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const char16_t *Text,
                          const char16_t *End, const char16_t *Prev, const char16_t *&Run,
                          uint32_t &SymbolType);
