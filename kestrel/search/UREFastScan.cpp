@@ -285,10 +285,7 @@ void TUREFastScan::BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Litera
     probes.push_back({common, probe});
   }
   if (probes.empty()) return;
-  std::stable_sort(probes.begin(), probes.end(),
-                   [](const auto &l, const auto &r) { return l.first < r.first; });
-  FProbe[0] = probes[0].second;
-  FProbe[1] = probes.size() > 1 ? probes[1].second : probes[0].second;
+  ChooseProbes(probes, FProbe);
   for (UCS4 u = 0; u < 256; ++u) {
     bool read = IsLineSeparator(u);
     for (uint32_t s = 0; s < n && !read; ++s)

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -60,6 +61,27 @@ inline uint32_t Commonness(uint16_t u) {
     if (u == uint16_t(order[i])) return 60 - 2 * i;
   if (u == ' ' || u == '\n' || u == '\r' || u == '\t') return 100;
   return u < 0x80 ? 8 : 2;
+}
+
+// The two probes of a literal out of its candidates (each with its
+// commonness): the rarest, and the rarest of the others that looks for other
+// units, since two positions that must hold one letter pair up more often
+// in text ("g..g" of "language") than two different letters ("gu").
+inline void ChooseProbes(std::vector<std::pair<uint32_t, TLiteralProbe>> &Candidates,
+                         TLiteralProbe (&Probes)[2]) {
+  std::stable_sort(Candidates.begin(), Candidates.end(),
+                   [](const auto &l, const auto &r) { return l.first < r.first; });
+  Probes[0] = Probes[1] = Candidates.front().second;
+  const auto same = [](const TLiteralProbe &a, const TLiteralProbe &b) {
+    return a.Count == b.Count && std::equal(a.Units, a.Units + a.Count, b.Units);
+  };
+  bool chosen = false;
+  for (size_t i = 1; i < Candidates.size() && !chosen; ++i)
+    if (!same(Candidates[i].second, Probes[0])) {
+      Probes[1] = Candidates[i].second;
+      chosen = true;
+    }
+  if (!chosen && Candidates.size() > 1) Probes[1] = Candidates[1].second;
 }
 
 namespace probe {

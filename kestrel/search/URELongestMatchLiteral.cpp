@@ -73,10 +73,7 @@ void TLiteralFilter::Build(const TExpressionList &Expressions, const TSymbolTabl
     probes.push_back({common, probe});
   }
   if (probes.empty()) return;
-  std::stable_sort(probes.begin(), probes.end(),
-                   [](const auto &l, const auto &r) { return l.first < r.first; });
-  FProbe[0] = probes[0].second;
-  FProbe[1] = probes.size() > 1 ? probes[1].second : probes[0].second;
+  ChooseProbes(probes, FProbe);
   // What may stand before the literal within a match.
   FPrefix = best == 0;
   std::vector<uint8_t> seen(Expressions.ExpressionsUsed, 0);
