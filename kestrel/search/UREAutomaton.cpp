@@ -202,8 +202,10 @@ void TURESearch::AddSymbolState(uint32_t Symbol, uint32_t Expression) {
     --index;
   if (index > 0 && at[index - 1] == Expression) return;
   SpendWork(1 + (used - index) / 16);
-  for (uint32_t k = used; k > index; --k) // mostly none or one to move
-    at[k] = at[k - 1];
+  if (used - index == 1) // mostly none or one to move: no call for those
+    at[used] = at[index];
+  else if (used > index)
+    std::memmove(at + index + 1, at + index, (used - index) * sizeof(uint32_t));
   at[index] = Expression;
   ++list.ListUsed;
 }
