@@ -8,7 +8,7 @@
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
-#include <kestrel/search/URELiteralProbe.h>
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>

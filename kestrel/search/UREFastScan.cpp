@@ -11,7 +11,7 @@
 #include <immintrin.h>
 #endif
 
-#include <kestrel/search/URELiteralProbe.h>
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>

@@ -18,7 +18,7 @@ struct TDFA;
 struct TSymbolTableEntry;
 
 // One position of a literal: its offset and the units (at most 4) that can
-// stand there (URELiteralProbe.h searches by two of them).
+// stand there (URELiteralSearchInternal.h searches by two of them).
 struct TLiteralProbe {
   uint32_t Offset = 0;
   uint32_t Count = 0;

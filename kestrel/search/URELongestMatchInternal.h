@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include <kestrel/search/URELiteralProbe.h>
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 

@@ -1,6 +1,6 @@
 // The required literal of TURELongestMatch: which part of the pattern it is,
 // and the jump to its next occurrence.
-#include <kestrel/search/URELiteralProbe.h>
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URELongestMatchInternal.h>
 
 #include <algorithm>
