@@ -675,14 +675,18 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     }
     ++k;
   }
-  // The plain characters every match begins with, for the start search.
+  // The longest run of plain characters in the top sequence, which every
+  // match holds, for the start search.
   std::vector<uint32_t> items;
   Flatten(UREBuffer.ExpressionList, start, items);
-  std::vector<UCS4> literal;
+  std::vector<UCS4> literal, run;
   for (uint32_t item : items) {
     const uint32_t symbol = LiteralSymbol(UREBuffer.ExpressionList, DFA.SymbolTable, item);
-    if (symbol == NoExpression) break;
-    literal.push_back(DFA.SymbolTable.Symbols[symbol].Symbol.Chr);
+    if (symbol != NoExpression) run.push_back(DFA.SymbolTable.Symbols[symbol].Symbol.Chr);
+    if (symbol == NoExpression || item == items.back()) {
+      if (run.size() > literal.size()) literal = run;
+      run.clear();
+    }
   }
   PrepareScan(literal);
 }

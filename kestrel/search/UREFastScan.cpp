@@ -254,10 +254,11 @@ const TStartFinder FindStart = ChooseStartFinder();
 
 // The literal's jump, for a pattern with no anchors whose start state does
 // not accept: every match the one pass finds is a word of the pattern, so it
-// begins with the literal. From Run, where the scan is in the start state,
-// no match begins before the next occurrence Q; and after a unit that no
-// state reads the scan is in the start state again, with the unit passed.
-// So the scan may go on behind the last such unit before Q (or at Run).
+// holds the literal, and every unit of it is read by a transition. From Run,
+// where the scan is in the start state, a match that begins before the next
+// occurrence Q spans Q's start; so no match spans the last unit X before Q
+// that no state reads, none begins before it, and after it the scan is in
+// the start state again. The scan may go on behind X (or at Run).
 void TUREFastScan::BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Literal) {
   const uint32_t n = Dfa.StateList.StatesUsed;
   if (Literal.size() < MinLiteral || FStep.empty() || Dfa.StateList.States[0].Accepting) return;

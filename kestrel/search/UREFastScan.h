@@ -30,9 +30,10 @@ public:
   static constexpr int32_t NoTarget = -1; // no symbol accepts
   static constexpr int32_t Anchored = -2; // a line separator: an anchor may accept
 
-  // Builds the tables of an automaton; forgets them. Literal: the plain
-  // characters that every match begins with (folded as the symbols are), if
-  // the pattern has some; the start search then jumps to their occurrences.
+  // Builds the tables of an automaton; forgets them. Literal: plain
+  // characters in a row that every match holds (folded as the symbols are),
+  // if the pattern has some; the start search then jumps by their
+  // occurrences.
   void Build(const TDFA &Dfa, const std::vector<UCS4> &Literal = {});
   void Clear();
 
@@ -76,7 +77,7 @@ private:
   std::vector<uint16_t> FStartLow, FStartSpan;
   bool FStartUnitsKnown = false;
   bool FStartSkipsHigh = false;
-  // The literal every match begins with, its two probes, and the units below
+  // The literal every match holds, its two probes, and the units below
   // 256 that no state reads (after one, the scan is in the start state).
   std::vector<UCS4> FLiteral;
   TLiteralProbe FProbe[2];
