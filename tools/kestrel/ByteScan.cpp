@@ -1,0 +1,190 @@
+#include "ByteScan.h"
+
+#include <algorithm>
+
+#include <kestrel/frame/platform/Processor.h>
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#define KESTREL_CLI_X86 1
+#define KESTREL_CLI_AVX2 __attribute__((target("avx2,bmi,popcnt")))
+#endif
+
+namespace kestrel::cli {
+namespace {
+
+// The length of the well-formed sequence at s[i], or 0 (IsValidUtf8's rules:
+// no overlong forms, nothing above U+10FFFF, surrogate halves allowed).
+size_t SequenceAt(const uint8_t *s, size_t i, size_t n) {
+  const uint8_t b = s[i];
+  if (b < 0x80) return 1;
+  size_t len = 0;
+  uint8_t low = 0x80, high = 0xBF;
+  if (b >= 0xC2 && b <= 0xDF) {
+    len = 2;
+  } else if (b >= 0xE0 && b <= 0xEF) {
+    len = 3;
+    if (b == 0xE0) low = 0xA0;
+  } else if (b >= 0xF0 && b <= 0xF4) {
+    len = 4;
+    if (b == 0xF0) low = 0x90;
+    if (b == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (i + len > n || s[i + 1] < low || s[i + 1] > high) return 0;
+  for (size_t k = 2; k < len; ++k)
+    if ((s[i + k] & 0xC0) != 0x80) return 0;
+  return len;
+}
+
+bool IsStrayControl(uint8_t b) {
+  return b < 0x20 && !(b >= 0x08 && b <= 0x0D) && b != 0x1A && b != 0x1B;
+}
+
+// U+2028 or U+2029 starting at s[i].
+bool SeparatorAt(const uint8_t *s, size_t i, size_t n) {
+  return s[i] == 0xE2 && i + 2 < n && s[i + 1] == 0x80 && (s[i + 2] == 0xA8 || s[i + 2] == 0xA9);
+}
+
+// Validates sequence after sequence from `at` until past `to`; returns where
+// the next sequence starts, or SIZE_MAX for an ill-formed one.
+size_t ValidateUpTo(const uint8_t *s, size_t at, size_t to, size_t n) {
+  while (at < to) {
+    const size_t len = SequenceAt(s, at, n);
+    if (len == 0) return SIZE_MAX;
+    at += len;
+  }
+  return at;
+}
+
+// Units, breaks and controls of s[from, n), byte by byte; a CR whose LF lies
+// in the tally before counted already.
+void CountScalar(const uint8_t *s, size_t from, size_t n, Utf8Tally &t) {
+  for (size_t i = from; i < n; ++i) {
+    const uint8_t b = s[i];
+    t.units += ((b & 0xC0) != 0x80) + (b >= 0xF0);
+    if (b == '\n')
+      ++t.breaks;
+    else if (b == '\r')
+      t.breaks += !(i + 1 < n && s[i + 1] == '\n');
+    else if (SeparatorAt(s, i, n))
+      ++t.breaks;
+    if (IsStrayControl(b)) t.strayControls = true;
+  }
+}
+
+bool HasStrayControl(const uint8_t *s, size_t n) {
+  return std::any_of(s, s + n, IsStrayControl);
+}
+
+size_t FindProbeFrom(const uint8_t *s, size_t last, size_t i, const ByteProbe &pr) {
+  for (; i <= last; ++i) {
+    bool all = true;
+    for (uint8_t t = 0; t < pr.used && all; ++t) {
+      const ByteTest &test = pr.tests[t];
+      const uint8_t b = s[i + test.offset];
+      all = std::find(test.bytes, test.bytes + test.count, b) != test.bytes + test.count;
+    }
+    if (all) return i;
+  }
+  return kNoProbe;
+}
+
+#ifdef KESTREL_CLI_X86
+
+KESTREL_CLI_AVX2 void TallyAvx2(const uint8_t *s, size_t n, Utf8Tally &t) {
+  const __m256i lf = _mm256_set1_epi8('\n'), cr = _mm256_set1_epi8('\r'),
+                tab = _mm256_set1_epi8('\t'), e2 = _mm256_set1_epi8(char(0xE2)),
+                below20 = _mm256_set1_epi8(0x1F), f0 = _mm256_set1_epi8(char(0xF0)),
+                notCont = _mm256_set1_epi8(-64);
+  size_t i = 0, validFrom = 0;
+  bool lastCr = false;
+  for (; i + 32 <= n; i += 32) {
+    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i));
+    const auto mLf = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, lf)));
+    const auto mCr = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, cr)));
+    // CR LF is one break, also when the two fall in two steps.
+    t.breaks += uint64_t(_mm_popcnt_u32(mLf) + _mm_popcnt_u32(mCr) -
+                         _mm_popcnt_u32(mCr & (mLf >> 1)) - int(lastCr && (mLf & 1)));
+    lastCr = mCr >> 31;
+    const auto mLow =
+        uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_min_epu8(v, below20), v)));
+    if (mLow & ~(mLf | mCr | uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, tab)))))
+      t.strayControls = t.strayControls || HasStrayControl(s + i, 32);
+    if (_mm256_movemask_epi8(v) == 0) {
+      t.units += 32;
+      continue;
+    }
+    const auto mCont = uint32_t(_mm256_movemask_epi8(_mm256_cmpgt_epi8(notCont, v)));
+    const auto mFour = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(v, f0), v)));
+    t.units += uint64_t(32 - _mm_popcnt_u32(mCont) + _mm_popcnt_u32(mFour));
+    for (auto mE2 = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, e2))); mE2; mE2 &= mE2 - 1)
+      t.breaks += SeparatorAt(s, i + size_t(__builtin_ctz(mE2)), n);
+    validFrom = ValidateUpTo(s, std::max(validFrom, i), i + 32, n);
+    if (validFrom == SIZE_MAX) {
+      t.valid = false;
+      return;
+    }
+  }
+  if (lastCr && i < n && s[i] == '\n') --t.breaks;
+  CountScalar(s, i, n, t);
+  if (ValidateUpTo(s, std::max(validFrom, i), n, n) == SIZE_MAX) t.valid = false;
+}
+
+KESTREL_CLI_AVX2 uint32_t TestMask(const uint8_t *at, const ByteTest &test) {
+  const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + test.offset));
+  __m256i hit = _mm256_cmpeq_epi8(v, _mm256_set1_epi8(char(test.bytes[0])));
+  for (uint8_t k = 1; k < test.count; ++k)
+    hit = _mm256_or_si256(hit, _mm256_cmpeq_epi8(v, _mm256_set1_epi8(char(test.bytes[k]))));
+  return uint32_t(_mm256_movemask_epi8(hit));
+}
+
+KESTREL_CLI_AVX2 size_t FindProbeAvx2(const uint8_t *s, size_t last, size_t i,
+                                      const ByteProbe &pr) {
+  for (; i + 31 <= last; i += 32) {
+    uint32_t m = TestMask(s + i, pr.tests[0]);
+    if (m == 0) continue;
+    if (pr.used == 2) m &= TestMask(s + i, pr.tests[1]);
+    if (m) return i + size_t(__builtin_ctz(m));
+  }
+  return FindProbeFrom(s, last, i, pr);
+}
+
+const bool kAvx2 = ProcessorRunsAvx2();
+
+#else
+
+const bool kAvx2 = false;
+
+#endif
+
+} // namespace
+
+void TallyUtf8Scalar(const char *p, size_t n, Utf8Tally &t) {
+  const auto *s = reinterpret_cast<const uint8_t *>(p);
+  CountScalar(s, 0, n, t);
+  if (ValidateUpTo(s, 0, n, n) == SIZE_MAX) t.valid = false;
+}
+
+void TallyUtf8(const char *p, size_t n, Utf8Tally &t) {
+#ifdef KESTREL_CLI_X86
+  if (kAvx2) return TallyAvx2(reinterpret_cast<const uint8_t *>(p), n, t);
+#endif
+  TallyUtf8Scalar(p, n, t);
+}
+
+size_t FindProbeScalar(const char *p, size_t n, size_t from, const ByteProbe &probe) {
+  if (probe.used == 0 || n < probe.span || from > n - probe.span) return kNoProbe;
+  return FindProbeFrom(reinterpret_cast<const uint8_t *>(p), n - probe.span, from, probe);
+}
+
+size_t FindProbe(const char *p, size_t n, size_t from, const ByteProbe &probe) {
+#ifdef KESTREL_CLI_X86
+  if (kAvx2 && probe.used > 0 && n >= probe.span && from <= n - probe.span)
+    return FindProbeAvx2(reinterpret_cast<const uint8_t *>(p), n - probe.span, from, probe);
+#endif
+  return FindProbeScalar(p, n, from, probe);
+}
+
+} // namespace kestrel::cli
