@@ -148,10 +148,11 @@ TEST(FastSearch, GivesThePlainWaysLinesOnRandomTexts) {
     FastResult got;
     auto matcher = Matcher::Make(q.pattern, c.match);
     if (!FastSearchText(source, *plan, *matcher, c.settings, got)) {
-      // Only a context reaching past the kept history, or a line longer than
-      // may be held, sends these back.
+      // Only a context reaching past the kept history, a line longer than
+      // may be held, or a control in a short text sends these back.
       ++plain;
-      ASSERT_TRUE(c.settings.history < 1000 || c.settings.mostHeld < 1000);
+      ASSERT_TRUE(c.settings.history < 1000 || c.settings.mostHeld < 1000 ||
+                  bytes.find('\x07') != std::string::npos);
       continue;
     }
     ++fast;
@@ -189,6 +190,34 @@ TEST(FastSearch, LeavesTextsThatNeedDecodingToThePlainWay) {
     EXPECT_FALSE(FastSearchText(source, *plan, *matcher, s, r)) << ::testing::PrintToString(t);
     EXPECT_EQ(r.matches, 0u);
     EXPECT_TRUE(r.lines.empty());
+  }
+}
+
+// A control such as BEL makes UTF-8 open to the test for UTF-16, on the
+// text's first 64 KiB: Cyrillic letters in two-byte forms pass it.
+TEST(FastSearch, ControlsLeaveTextToThePlainWayOnlyWhenItMayBeUtf16) {
+  std::string cyrillic, english;
+  for (int i = 0; i < 3000; ++i)
+    cyrillic += "\xD0\xB0\xD0\xB1\xD0\xB2\xD0\xB3\xD0\xB4\xD0\xB5\xD0\xB6\xD0\xB7"
+                "\xD1\x80\xD1\x81\xD1\x82\xD1\x83\xD1\x84\xD1\x85\xD1\x86\xD1\x87";
+  for (int i = 0; i < 6000; ++i)
+    english += "the kestrel hovers\n";
+  MatchOptions m;
+  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
+  ASSERT_TRUE(plan);
+  struct Row {
+    std::string text;
+    bool fast;
+    TEncodingEvidence plainEvidence;
+  } rows[] = {{cyrillic + "\x07 kestrel\n", false, TEncodingEvidence::Utf16Bytes},
+              {english + "\x07\n", true, TEncodingEvidence::ValidUtf8}};
+  for (const Row &row : rows) {
+    ASSERT_EQ(DecodeText(row.text, DefaultTextEncoding()).Evidence, row.plainEvidence);
+    MemorySource source(row.text);
+    FastResult r;
+    auto matcher = Matcher::Make(u"kestrel", m);
+    EXPECT_EQ(FastSearchText(source, *plan, *matcher, FastSettings{}, r), row.fast);
+    EXPECT_EQ(r.matches, row.fast ? 6000u : 0u);
   }
 }
 

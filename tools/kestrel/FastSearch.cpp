@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/unicode/Utf8.h>
 
 #include "SearchPrinters.h"
@@ -104,7 +105,22 @@ private:
     if (n >= 2 && ((b[0] == 0xFF && b[1] == 0xFE) || (b[0] == 0xFE && b[1] == 0xFF))) return false;
     result_.byteOrderMark = n >= 3 && b[0] == 0xEF && b[1] == 0xBB && b[2] == 0xBF;
     textStart_ = scan_ = lineStart_ = counted_ = result_.byteOrderMark ? 3 : 0;
+    while (blocks_.End() <= kUtf16Sample && blocks_.Next(0)) {
+    }
+    if (blocks_.End() > kUtf16Sample) head_.assign(blocks_.At(0), kUtf16Sample);
     return true;
+  }
+
+  // Bytes of the start that DecodeText looks at for UTF-16 without a mark.
+  static constexpr uint64_t kUtf16Sample = 65536;
+
+  // Valid UTF-8 with stray controls is UTF-16 when its first bytes look so
+  // (DecodeText's fourth step comes after the third): asked of DecodeText
+  // with the sample and a control after it, so that it looks at just these.
+  bool StrayControlsMeanUtf16() const {
+    if (head_.empty()) return true; // a short text: the plain way decides
+    return DecodeText(head_ + '\x01', DefaultTextEncoding()).Evidence ==
+           TEncodingEvidence::Utf16Bytes;
   }
 
   // The next block, dropping what lies before keep; false at the end, or
@@ -131,7 +147,11 @@ private:
     if (to <= counted_ || plain_) return;
     TallyUtf8(blocks_.At(counted_), to - counted_, tally_);
     counted_ = to;
-    plain_ = !tally_.valid || (!result_.byteOrderMark && tally_.strayControls);
+    plain_ = !tally_.valid;
+    if (tally_.strayControls && !result_.byteOrderMark && !strayChecked_) {
+      strayChecked_ = true;
+      plain_ = plain_ || StrayControlsMeanUtf16();
+    }
   }
 
   // No candidate in the buffer: tally up to the line of the next scan, read
@@ -247,6 +267,8 @@ private:
   Utf8Tally tally_;
   uint64_t textStart_ = 0, scan_ = 0, lineStart_ = 0, counted_ = 0;
   bool plain_ = false; // the text must take the plain way
+  bool strayChecked_ = false;
+  std::string head_; // the first kUtf16Sample bytes, when the text is longer
 };
 
 } // namespace
