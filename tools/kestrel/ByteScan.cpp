@@ -74,10 +74,6 @@ void CountScalar(const uint8_t *s, size_t from, size_t n, Utf8Tally &t) {
   }
 }
 
-bool HasStrayControl(const uint8_t *s, size_t n) {
-  return std::any_of(s, s + n, IsStrayControl);
-}
-
 size_t FindProbeFrom(const uint8_t *s, size_t last, size_t i, const ByteProbe &pr) {
   for (; i <= last; ++i) {
     bool all = true;
@@ -93,62 +89,99 @@ size_t FindProbeFrom(const uint8_t *s, size_t last, size_t i, const ByteProbe &p
 
 #ifdef KESTREL_CLI_X86
 
+KESTREL_CLI_AVX2 uint64_t Sum(__m256i counts) {
+  const __m256i sums = _mm256_sad_epu8(counts, _mm256_setzero_si256());
+  return uint64_t(_mm256_extract_epi64(sums, 0) + _mm256_extract_epi64(sums, 1) +
+                  _mm256_extract_epi64(sums, 2) + _mm256_extract_epi64(sums, 3));
+}
+
+// 32 bytes a step; the counts gather in byte lanes (at most two a step) and
+// are summed every 127 steps. The byte after each step is read too, for
+// CR LF, so the last 32 go one at a time.
 KESTREL_CLI_AVX2 void TallyAvx2(const uint8_t *s, size_t n, Utf8Tally &t) {
   const __m256i lf = _mm256_set1_epi8('\n'), cr = _mm256_set1_epi8('\r'),
-                tab = _mm256_set1_epi8('\t'), e2 = _mm256_set1_epi8(char(0xE2)),
-                below20 = _mm256_set1_epi8(0x1F), f0 = _mm256_set1_epi8(char(0xF0)),
-                notCont = _mm256_set1_epi8(-64);
+                e2 = _mm256_set1_epi8(char(0xE2)), below20 = _mm256_set1_epi8(0x1F),
+                f0 = _mm256_set1_epi8(char(0xF0)), cont = _mm256_set1_epi8(-65),
+                bs = _mm256_set1_epi8(0x08), five = _mm256_set1_epi8(5),
+                notOne = _mm256_set1_epi8(char(0xFE)), sub = _mm256_set1_epi8(0x1A);
   size_t i = 0, validFrom = 0;
-  bool lastCr = false;
-  for (; i + 32 <= n; i += 32) {
-    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i));
-    const auto mLf = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, lf)));
-    const auto mCr = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, cr)));
-    // CR LF is one break, also when the two fall in two steps.
-    t.breaks += uint64_t(_mm_popcnt_u32(mLf) + _mm_popcnt_u32(mCr) -
-                         _mm_popcnt_u32(mCr & (mLf >> 1)) - int(lastCr && (mLf & 1)));
-    lastCr = mCr >> 31;
-    const auto mLow =
-        uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_min_epu8(v, below20), v)));
-    if (mLow & ~(mLf | mCr | uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, tab)))))
-      t.strayControls = t.strayControls || HasStrayControl(s + i, 32);
-    if (_mm256_movemask_epi8(v) == 0) {
-      t.units += 32;
-      continue;
+  __m256i stray = _mm256_setzero_si256();
+  while (i + 33 <= n) {
+    __m256i breaks = _mm256_setzero_si256(), units = _mm256_setzero_si256();
+    for (size_t steps = 0; steps < 127 && i + 33 <= n; ++steps, i += 32) {
+      const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i));
+      const __m256i after = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i + 1));
+      const __m256i isLf = _mm256_cmpeq_epi8(v, lf), isCr = _mm256_cmpeq_epi8(v, cr);
+      const __m256i lone = _mm256_andnot_si256(_mm256_cmpeq_epi8(after, lf), isCr);
+      breaks = _mm256_sub_epi8(breaks, _mm256_or_si256(isLf, lone));
+      // Below 20 but 08-0D, 1A and 1B.
+      const __m256i low = _mm256_cmpeq_epi8(_mm256_min_epu8(v, below20), v);
+      const __m256i fromBs = _mm256_sub_epi8(v, bs);
+      const __m256i usual =
+          _mm256_or_si256(_mm256_cmpeq_epi8(_mm256_min_epu8(fromBs, five), fromBs),
+                          _mm256_cmpeq_epi8(_mm256_and_si256(v, notOne), sub));
+      stray = _mm256_or_si256(stray, _mm256_andnot_si256(usual, low));
+      if (_mm256_movemask_epi8(v) == 0) {
+        t.units += 32;
+        continue;
+      }
+      units = _mm256_sub_epi8(units, _mm256_cmpgt_epi8(v, cont));
+      units = _mm256_sub_epi8(units, _mm256_cmpeq_epi8(_mm256_max_epu8(v, f0), v));
+      for (auto mE2 = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, e2))); mE2; mE2 &= mE2 - 1)
+        t.breaks += SeparatorAt(s, i + size_t(__builtin_ctz(mE2)), n);
+      validFrom = ValidateUpTo(s, std::max(validFrom, i), i + 32, n);
+      if (validFrom == SIZE_MAX) {
+        t.valid = false;
+        return;
+      }
     }
-    const auto mCont = uint32_t(_mm256_movemask_epi8(_mm256_cmpgt_epi8(notCont, v)));
-    const auto mFour = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(v, f0), v)));
-    t.units += uint64_t(32 - _mm_popcnt_u32(mCont) + _mm_popcnt_u32(mFour));
-    for (auto mE2 = uint32_t(_mm256_movemask_epi8(_mm256_cmpeq_epi8(v, e2))); mE2; mE2 &= mE2 - 1)
-      t.breaks += SeparatorAt(s, i + size_t(__builtin_ctz(mE2)), n);
-    validFrom = ValidateUpTo(s, std::max(validFrom, i), i + 32, n);
-    if (validFrom == SIZE_MAX) {
-      t.valid = false;
-      return;
-    }
+    t.breaks += Sum(breaks);
+    t.units += Sum(units);
   }
-  if (lastCr && i < n && s[i] == '\n') --t.breaks;
+  if (!_mm256_testz_si256(stray, stray)) t.strayControls = true;
   CountScalar(s, i, n, t);
   if (ValidateUpTo(s, std::max(validFrom, i), n, n) == SIZE_MAX) t.valid = false;
 }
 
-KESTREL_CLI_AVX2 uint32_t TestMask(const uint8_t *at, const ByteTest &test) {
-  const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + test.offset));
-  __m256i hit = _mm256_cmpeq_epi8(v, _mm256_set1_epi8(char(test.bytes[0])));
-  for (uint8_t k = 1; k < test.count; ++k)
-    hit = _mm256_or_si256(hit, _mm256_cmpeq_epi8(v, _mm256_set1_epi8(char(test.bytes[k]))));
+// Whether the byte is one of a test's N bytes, 32 positions at once.
+template <int N> KESTREL_CLI_AVX2 uint32_t Hits(__m256i v, const __m256i *bytes) {
+  __m256i hit = _mm256_cmpeq_epi8(v, bytes[0]);
+  for (int k = 1; k < N; ++k)
+    hit = _mm256_or_si256(hit, _mm256_cmpeq_epi8(v, bytes[k]));
   return uint32_t(_mm256_movemask_epi8(hit));
+}
+
+template <int N0, int N1>
+KESTREL_CLI_AVX2 size_t ProbeLoop(const uint8_t *s, size_t last, size_t i, const ByteProbe &pr) {
+  __m256i b0[4], b1[4];
+  for (int k = 0; k < 4; ++k) {
+    b0[k] = _mm256_set1_epi8(char(pr.tests[0].bytes[std::min(k, pr.tests[0].count - 1)]));
+    b1[k] = _mm256_set1_epi8(
+        char(pr.tests[1].bytes[std::min(k, std::max(1, int(pr.tests[1].count)) - 1)]));
+  }
+  const uint32_t o0 = pr.tests[0].offset, o1 = pr.tests[1].offset;
+  for (; i + 31 <= last; i += 32) {
+    uint32_t m = Hits<N0>(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i + o0)), b0);
+    if constexpr (N1 > 0)
+      m &= Hits<N1>(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(s + i + o1)), b1);
+    if (m) return i + size_t(__builtin_ctz(m));
+  }
+  return FindProbeFrom(s, last, i, pr);
+}
+
+template <int N0>
+KESTREL_CLI_AVX2 size_t ProbeSecond(const uint8_t *s, size_t last, size_t i, const ByteProbe &pr) {
+  if (pr.used < 2) return ProbeLoop<N0, 0>(s, last, i, pr);
+  if (pr.tests[1].count <= 1) return ProbeLoop<N0, 1>(s, last, i, pr);
+  if (pr.tests[1].count <= 2) return ProbeLoop<N0, 2>(s, last, i, pr);
+  return ProbeLoop<N0, 4>(s, last, i, pr);
 }
 
 KESTREL_CLI_AVX2 size_t FindProbeAvx2(const uint8_t *s, size_t last, size_t i,
                                       const ByteProbe &pr) {
-  for (; i + 31 <= last; i += 32) {
-    uint32_t m = TestMask(s + i, pr.tests[0]);
-    if (m == 0) continue;
-    if (pr.used == 2) m &= TestMask(s + i, pr.tests[1]);
-    if (m) return i + size_t(__builtin_ctz(m));
-  }
-  return FindProbeFrom(s, last, i, pr);
+  if (pr.tests[0].count <= 1) return ProbeSecond<1>(s, last, i, pr);
+  if (pr.tests[0].count <= 2) return ProbeSecond<2>(s, last, i, pr);
+  return ProbeSecond<4>(s, last, i, pr);
 }
 
 const bool kAvx2 = ProcessorRunsAvx2();

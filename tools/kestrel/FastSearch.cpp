@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include <kestrel/files/TextFiles.h>
 #include <kestrel/unicode/Utf8.h>
@@ -19,6 +20,14 @@ size_t MemorySource::Read(char *to, size_t n) {
 
 namespace {
 
+// The memory of the blocks, kept from text to text: no allocation, no
+// clearing per text.
+struct Memory {
+  std::unique_ptr<char[]> data;
+  size_t capacity = 0;
+};
+thread_local Memory kMemory;
+
 // Positions are offsets into the text's bytes; the buffer holds a stretch of
 // them, read on block by block and cut at the front as the search goes on.
 class Blocks {
@@ -26,21 +35,28 @@ public:
   Blocks(ByteSource &source, size_t block) : source_(source), block_(block) {}
 
   uint64_t Begin() const { return base_; }
-  uint64_t End() const { return base_ + buffer_.size(); }
+  uint64_t End() const { return base_ + size_; }
   bool Eof() const { return eof_; }
-  const char *At(uint64_t pos) const { return buffer_.data() + (pos - base_); }
+  const char *At(uint64_t pos) const { return kMemory.data.get() + (pos - base_); }
   uint64_t Read() const { return read_; }
 
   // Drops what lies before keep, reads a block more; false at the end.
   bool Next(uint64_t keep) {
     if (eof_) return false;
     keep = std::clamp(keep, base_, End());
-    buffer_.erase(0, keep - base_);
+    char *data = kMemory.data.get();
+    if (keep > base_) std::memmove(data, data + (keep - base_), End() - keep);
+    size_ = End() - keep;
     base_ = keep;
-    const size_t old = buffer_.size();
-    buffer_.resize(old + block_);
-    const size_t got = source_.Read(buffer_.data() + old, block_);
-    buffer_.resize(old + got);
+    if (size_ + block_ > kMemory.capacity) {
+      const size_t capacity = std::max(kMemory.capacity * 2, size_ + block_);
+      auto grown = std::make_unique_for_overwrite<char[]>(capacity);
+      if (size_ > 0) std::memcpy(grown.get(), data, size_);
+      kMemory.data = std::move(grown);
+      kMemory.capacity = capacity;
+    }
+    const size_t got = source_.Read(kMemory.data.get() + size_, block_);
+    size_ += got;
     read_ += got;
     eof_ = got == 0;
     return !eof_;
@@ -50,19 +66,19 @@ public:
   uint64_t LineStart(uint64_t from, uint64_t to) const {
     if (to <= from) return from;
     const void *lf = memrchr(At(from), '\n', to - from);
-    return lf ? base_ + (static_cast<const char *>(lf) - buffer_.data()) + 1 : from;
+    return lf ? base_ + (static_cast<const char *>(lf) - At(base_)) + 1 : from;
   }
   // After the first line feed from `from` on in the buffer, or 0 if none.
   uint64_t LineEnd(uint64_t from) const {
     if (from >= End()) return 0;
     const void *lf = std::memchr(At(from), '\n', End() - from);
-    return lf ? base_ + (static_cast<const char *>(lf) - buffer_.data()) + 1 : 0;
+    return lf ? base_ + (static_cast<const char *>(lf) - At(base_)) + 1 : 0;
   }
 
 private:
   ByteSource &source_;
   size_t block_;
-  std::string buffer_;
+  size_t size_ = 0; // bytes held, from base_
   uint64_t base_ = 0, read_ = 0;
   bool eof_ = false;
 };
