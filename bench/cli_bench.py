@@ -9,7 +9,9 @@ The corpus is built once in SCRATCH from text found on the machine (the
 repository's sample corpus, the licences and the package documentation,
 compressed or not): lines drawn at random, with a fixed seed, into files of
 about 300 KB. Every timing is the best of --runs runs with the page cache
-warm; throughput is corpus bytes per second of wall time."""
+warm; throughput is corpus bytes per second, of wall time and of processor
+time (user and system: on a shared machine the wall time varies with the
+load of others)."""
 
 import argparse
 import glob
@@ -73,25 +75,38 @@ def build_corpus(scratch, mb, big_mb):
     return corpus, big
 
 
+def run_once(cmd, env):
+    """Wall time, processor time (user and system) and peak resident set
+    (KiB) of one run, its output read and thrown away."""
+    # Into a pipe, not /dev/null: GNU grep stops at the first match when it
+    # sees its output is /dev/null.
+    start = time.perf_counter()
+    child = subprocess.Popen(cmd, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=env)
+    while child.stdout.read(1 << 16):
+        pass
+    _, status, usage = os.wait4(child.pid, 0)
+    took = time.perf_counter() - start
+    child.stdout.close()
+    code = os.waitstatus_to_exitcode(status)
+    if code not in (0, 1):
+        sys.exit(f"{' '.join(cmd)} failed with status {code}")
+    return took, usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+
+
 def best_time(cmd, runs, env):
-    best, out = None, b""
-    for _ in range(runs):
-        start = time.perf_counter()
-        run = subprocess.run(cmd, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=env)
-        took = time.perf_counter() - start
-        if run.returncode not in (0, 1):
-            sys.exit(f"{' '.join(cmd)} failed with status {run.returncode}")
-        best = took if best is None else min(best, took)
-        out = run.stdout
-    return best, out
+    runs = [run_once(cmd, env) for _ in range(runs)]
+    return min(r[0] for r in runs), min(r[1] for r in runs)
 
 
 def peak_kib(cmd):
-    """The peak resident set of a child, as the kernel counted it."""
-    with open(os.devnull, "wb") as null:
-        child = subprocess.Popen(cmd, stdout=null, stderr=null)
-        _, _, usage = os.wait4(child.pid, 0)
-    return usage.ru_maxrss
+    """The peak resident set of the program, measured by time(1) so that the
+    memory of this script (which a forked child shares until it execs) does
+    not count."""
+    if shutil.which("time") or os.path.exists("/usr/bin/time"):
+        run = subprocess.run(["/usr/bin/time", "-f", "%M"] + cmd, stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE)
+        return int(run.stderr.decode().strip().splitlines()[-1])
+    return run_once(cmd, os.environ)[2]
 
 
 def total_bytes(folder):
@@ -129,16 +144,16 @@ def main():
           f"{os.cpu_count()} processors; best of {a.runs} runs, page cache warm")
     for title, commands in queries:
         print(f"\n{title}")
-        rates = {}
+        wall, cpu = {}, {}
         for name, cmd in commands:
-            best_time(cmd, 1, env)  # warm the cache
-            took, _ = best_time(cmd, a.runs, env)
-            rates[name] = size / took
-            print(f"  {name:18s} {took:7.3f} s  {size / took / 1e6:8.0f} MB/s")
-        base = rates["kestrel --count"]
-        for name, rate in rates.items():
+            run_once(cmd, env)  # warm the cache
+            wall[name], cpu[name] = best_time(cmd, a.runs, env)
+            print(f"  {name:18s} {wall[name]:7.3f} s wall {size / wall[name] / 1e6:7.0f} MB/s"
+                  f"   {cpu[name]:7.3f} s processor {size / cpu[name] / 1e6:7.0f} MB/s")
+        for name in wall:
             if not name.startswith("kestrel"):
-                print(f"  kestrel --count / {name}: {base / rate:.2f}x")
+                print(f"  kestrel --count against {name}: {wall[name] / wall['kestrel --count']:.2f}x"
+                      f" (wall), {cpu[name] / cpu['kestrel --count']:.2f}x (processor)")
     print(f"\npeak memory on one {os.path.getsize(big) / 2**30:.1f} GiB file:")
     for name, cmd in [("kestrel search kestrel", [a.kestrel, "search", "kestrel", big]),
                       ("kestrel search --regex colou?r",
