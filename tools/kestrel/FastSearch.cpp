@@ -123,7 +123,6 @@ private:
     textStart_ = scan_ = lineStart_ = counted_ = result_.byteOrderMark ? 3 : 0;
     while (blocks_.End() <= kUtf16Sample && blocks_.Next(0)) {
     }
-    if (blocks_.End() > kUtf16Sample) head_.assign(blocks_.At(0), kUtf16Sample);
     return true;
   }
 
@@ -134,8 +133,11 @@ private:
   // (DecodeText's fourth step comes after the third): asked of DecodeText
   // with the sample and a control after it, so that it looks at just these.
   bool StrayControlsMeanUtf16() const {
-    if (head_.empty()) return true; // a short text: the plain way decides
-    return DecodeText(head_ + '\x01', DefaultTextEncoding()).Evidence ==
+    std::string sample = head_;
+    if (blocks_.Begin() == 0 && blocks_.End() > kUtf16Sample)
+      sample.assign(blocks_.At(0), kUtf16Sample);
+    if (sample.empty()) return true; // a short text: the plain way decides
+    return DecodeText(sample + '\x01', DefaultTextEncoding()).Evidence ==
            TEncodingEvidence::Utf16Bytes;
   }
 
@@ -147,6 +149,9 @@ private:
       plain_ = true;
       return false;
     }
+    // The start leaves the buffer: kept for the question above.
+    if (blocks_.Begin() == 0 && keep > 0 && blocks_.End() > kUtf16Sample)
+      head_.assign(blocks_.At(0), kUtf16Sample);
     return blocks_.Next(keep);
   }
 
@@ -284,7 +289,7 @@ private:
   uint64_t textStart_ = 0, scan_ = 0, lineStart_ = 0, counted_ = 0;
   bool plain_ = false; // the text must take the plain way
   bool strayChecked_ = false;
-  std::string head_; // the first kUtf16Sample bytes, when the text is longer
+  std::string head_; // the first kUtf16Sample bytes, once dropped from the buffer
 };
 
 } // namespace
