@@ -1,6 +1,7 @@
 #include "ByteScan.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <kestrel/frame/platform/Processor.h>
 
@@ -95,6 +96,37 @@ KESTREL_CLI_AVX2 uint64_t Sum(__m256i counts) {
                   _mm256_extract_epi64(sums, 2) + _mm256_extract_epi64(sums, 3));
 }
 
+// The last 32 bytes or fewer as one step, padded with blanks (which are no
+// break and no control; the units they add are taken off again). A CR at
+// the end meets a blank and counts as a break of its own, as it should.
+KESTREL_CLI_AVX2 void TallyTailAvx2(const uint8_t *s, size_t i, size_t n, Utf8Tally &t) {
+  alignas(32) uint8_t pad[64];
+  std::memset(pad, ' ', sizeof pad);
+  const size_t r = n - i;
+  std::memcpy(pad, s + i, r);
+  const __m256i v = _mm256_load_si256(reinterpret_cast<const __m256i *>(pad));
+  const __m256i after = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(pad + 1));
+  const __m256i lf = _mm256_set1_epi8('\n');
+  const __m256i isLf = _mm256_cmpeq_epi8(v, lf);
+  const __m256i lone = _mm256_andnot_si256(_mm256_cmpeq_epi8(after, lf),
+                                           _mm256_cmpeq_epi8(v, _mm256_set1_epi8('\r')));
+  t.breaks += uint64_t(_mm_popcnt_u32(uint32_t(_mm256_movemask_epi8(_mm256_or_si256(isLf, lone)))));
+  const auto low = uint32_t(
+      _mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_min_epu8(v, _mm256_set1_epi8(0x1F)), v)));
+  for (uint32_t m = low; m; m &= m - 1)
+    t.strayControls = t.strayControls || IsStrayControl(pad[__builtin_ctz(m)]);
+  if (_mm256_movemask_epi8(v) == 0) {
+    t.units += r;
+    return;
+  }
+  const auto cont = uint32_t(_mm256_movemask_epi8(_mm256_cmpgt_epi8(_mm256_set1_epi8(-64), v)));
+  const auto four = uint32_t(
+      _mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(v, _mm256_set1_epi8(char(0xF0))), v)));
+  t.units += uint64_t(int64_t(r) - _mm_popcnt_u32(cont) + _mm_popcnt_u32(four));
+  for (size_t k = i; k < n; ++k)
+    t.breaks += SeparatorAt(s, k, n);
+}
+
 // 32 bytes a step; the counts gather in byte lanes (at most two a step) and
 // are summed every 127 steps. The byte after each step is read too, for
 // CR LF, so the last 32 go one at a time.
@@ -139,7 +171,7 @@ KESTREL_CLI_AVX2 void TallyAvx2(const uint8_t *s, size_t n, Utf8Tally &t) {
     t.units += Sum(units);
   }
   if (!_mm256_testz_si256(stray, stray)) t.strayControls = true;
-  CountScalar(s, i, n, t);
+  if (i < n) TallyTailAvx2(s, i, n, t);
   if (ValidateUpTo(s, std::max(validFrom, i), n, n) == SIZE_MAX) t.valid = false;
 }
 
