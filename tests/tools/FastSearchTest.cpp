@@ -105,6 +105,7 @@ Case RandomCase(std::mt19937 &rng, bool regex) {
   c.settings.blockSize = 8 + rng() % 200;
   c.settings.history = rng() % 2 ? 100000 : 16 + rng() % 200;
   c.settings.mostHeld = rng() % 4 ? 100000 : 32 + rng() % 400;
+  c.settings.mostLines = rng() % 4 ? 100000 : rng() % 5;
   return c;
 }
 
@@ -156,6 +157,16 @@ TEST(FastSearch, GivesThePlainWaysLinesOnRandomTexts) {
       continue;
     }
     ++fast;
+    if (got.tooManyLines) { // searched again, the lines handed on as found
+      ASSERT_TRUE(got.lines.empty());
+      FastSettings again = c.settings;
+      again.emit = [&](ConcordanceLine &&line) { got.lines.push_back(std::move(line)); };
+      FastResult second;
+      MemorySource same(bytes);
+      ASSERT_TRUE(FastSearchText(same, *plan, *matcher, again, second));
+      ASSERT_TRUE(second.lines.empty());
+      ASSERT_EQ(second.matches, got.matches);
+    }
     const std::string what = "round " + std::to_string(round) + " pattern " +
                              WideStringToUTF8(q.pattern) + " text " +
                              ::testing::PrintToString(bytes);

@@ -4,6 +4,7 @@
 // text without marks).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -59,3 +60,19 @@ TEST(SearchLargeFiles, BlockByBlockGivesWhatTheWholeTextGives) {
 }
 
 } // namespace
+
+// More lines than are held until a text's end: searched a second time, the
+// lines go out as they are found, the same lines.
+TEST(SearchLargeFiles, ManyLinesComeOutAsFromTheWholeText) {
+  kestrel::test::TempDir dir;
+  std::string text;
+  for (int i = 0; i < 120000; ++i)
+    text += i % 7 ? "a kestrel\n" : "\xC3\xA9 Kestrel\r\n";
+  dir.WriteFile("many.txt", text);
+  const std::string many = dir / "many.txt";
+  const auto f = RunKestrel({"search", "--format", "tsv", "kestrel", many});
+  const auto p = RunKestrel({"search", "--format", "tsv", "--ignore-marks", "kestrel", many});
+  EXPECT_EQ(f.status, 0) << f.err;
+  EXPECT_EQ(std::count(f.out.begin(), f.out.end(), '\n'), 120001);
+  EXPECT_TRUE(f.out == p.out);
+}

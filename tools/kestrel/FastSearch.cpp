@@ -226,6 +226,19 @@ private:
       line.stop = before.units + m.stop;
       line.line = before.breaks + h.line;
       line.column = h.column;
+      Hold(std::move(line));
+    }
+  }
+
+  // Past mostLines the lines are still made (so that a search again goes
+  // the same way) but not kept.
+  void Hold(ConcordanceLine &&line) {
+    if (s_.emit) {
+      s_.emit(std::move(line));
+    } else if (result_.tooManyLines || result_.lines.size() >= s_.mostLines) {
+      result_.tooManyLines = true;
+      result_.lines.clear();
+    } else {
       result_.lines.push_back(std::move(line));
     }
   }

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,6 +58,9 @@ struct FastResult {
   uint64_t bytes = 0;         // read
   uint64_t matches = 0;
   std::vector<ConcordanceLine> lines; // unless only counted; file and encoding left empty
+  // More than mostLines lines: none are kept, but the text is known to take
+  // the fast way; search it again with `emit` to have them.
+  bool tooManyLines = false;
 };
 
 struct FastSettings {
@@ -67,6 +71,10 @@ struct FastSettings {
   size_t blockSize = size_t(1) << 20; // read at a time
   size_t history = size_t(64) << 10;  // kept before the lines being searched, for contexts
   size_t mostHeld = size_t(16) << 20; // held at once: a longer line takes the plain way
+  // Lines are kept until the text is known to be UTF-8 (its end), at most
+  // so many; or, when the caller knows it already, handed to emit at once.
+  size_t mostLines = 100000;
+  std::function<void(ConcordanceLine &&)> emit;
 };
 
 // Searches the text of source with matcher; false when it must take the

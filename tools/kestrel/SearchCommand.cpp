@@ -167,7 +167,9 @@ void Hand(const std::u16string &text, const std::vector<MatchSpan> &found, const
 
 // The fast way through a UTF-8 text: false, with nothing handed on, when
 // the text must be decoded whole. A plain file is read a block at a time
-// (with no size limit), other inputs whole.
+// (with no size limit), other inputs whole. A text with more lines than are
+// held until its end is searched twice: known to be UTF-8 after the first
+// time, its lines go out as they are found the second.
 bool SearchFast(const Input &in, const FastPlan &plan, Matcher &matcher, const SearchOptions &o,
                 ConcordanceOutput &out, std::string &bytes, bool &loaded,
                 std::pair<uint64_t, size_t> &done) {
@@ -176,24 +178,32 @@ bool SearchFast(const Input &in, const FastPlan &plan, Matcher &matcher, const S
   settings.sort = o.out.sort;
   settings.countOnly = o.out.count;
   settings.maxCount = o.maxCount;
-  FastResult r;
-  bool fast = false;
-  if (in.open) {
-    fast = FastSearchText(*in.open(), plan, matcher, settings, r);
-  } else {
+  if (!in.open) {
     bytes = in.load();
     loaded = true;
-    MemorySource source(bytes);
-    fast = FastSearchText(source, plan, matcher, settings, r);
   }
-  if (!fast) return false;
+  auto search = [&](FastResult &r) {
+    if (in.open) return FastSearchText(*in.open(), plan, matcher, settings, r);
+    MemorySource source(bytes);
+    return FastSearchText(source, plan, matcher, settings, r);
+  };
+  FastResult r;
+  if (!search(r)) return false;
   const FileCount file{in.name, "UTF-8", r.byteOrderMark ? "byte-order mark" : "valid UTF-8",
                        r.matches};
-  for (ConcordanceLine &line : r.lines) {
+  auto hand = [&](ConcordanceLine &&line) {
     line.file = file.name;
     line.encoding = file.encoding;
     out.Add(std::move(line));
+  };
+  if (r.tooManyLines) {
+    settings.emit = hand;
+    FastResult again;
+    if (!search(again) || again.matches != r.matches)
+      throw InputFailed{"the file changed while it was read"};
   }
+  for (ConcordanceLine &line : r.lines)
+    hand(std::move(line));
   out.FileDone(file);
   done = {r.matches, static_cast<size_t>(r.bytes)};
   return true;
