@@ -5,7 +5,7 @@
 
 #include <kestrel/frame/platform/Processor.h>
 
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
 #include <immintrin.h>
 #define KESTREL_CLI_X86 1
 #define KESTREL_CLI_AVX2 __attribute__((target("avx2,bmi,popcnt")))
