@@ -264,3 +264,35 @@ TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
 
 } // namespace
 } // namespace kestrel::cli
+
+namespace kestrel::cli {
+namespace {
+
+// What is held stays bounded by the history, the longest line and a block or
+// two, however long the text and however dense the matches (contexts that
+// reach into the next lines read on, and must not keep all they read).
+TEST(FastSearch, HoldsNoMoreThanTheLinesItNeeds) {
+  std::string text;
+  std::mt19937 rng(9);
+  while (text.size() < 2'000'000)
+    text += rng() % 2 ? "the kestrel\n" : "kestrel and the wind over the fields\r\n";
+  MatchOptions m;
+  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
+  ASSERT_TRUE(plan);
+  for (int words : {0, 5}) {
+    FastSettings s;
+    s.blockSize = 4096;
+    s.history = 1024;
+    s.mostHeld = 64 << 10;
+    s.mostLines = 1000;
+    s.context.words = words;
+    MemorySource source(text);
+    FastResult r;
+    auto matcher = Matcher::Make(u"kestrel", m);
+    EXPECT_TRUE(FastSearchText(source, *plan, *matcher, s, r)) << words;
+    EXPECT_TRUE(r.tooManyLines);
+  }
+}
+
+} // namespace
+} // namespace kestrel::cli

@@ -70,9 +70,11 @@ TEST(SearchLargeFiles, ManyLinesComeOutAsFromTheWholeText) {
     text += i % 7 ? "a kestrel\n" : "\xC3\xA9 Kestrel\r\n";
   dir.WriteFile("many.txt", text);
   const std::string many = dir / "many.txt";
-  const auto f = RunKestrel({"search", "--format", "tsv", "kestrel", many});
+  const auto f =
+      RunKestrel({"search", "--format", "tsv", "--max-file-size", "1M", "kestrel", many});
   const auto p = RunKestrel({"search", "--format", "tsv", "--ignore-marks", "kestrel", many});
   EXPECT_EQ(f.status, 0) << f.err;
   EXPECT_EQ(std::count(f.out.begin(), f.out.end(), '\n'), 120001);
   EXPECT_TRUE(f.out == p.out);
+  EXPECT_EQ(f.err, ""); // not passed by for its size
 }

@@ -237,7 +237,7 @@ private:
       s_.emit(std::move(line));
     } else if (result_.tooManyLines || result_.lines.size() >= s_.mostLines) {
       result_.tooManyLines = true;
-      result_.lines.clear();
+      std::vector<ConcordanceLine>().swap(result_.lines);
     } else {
       result_.lines.push_back(std::move(line));
     }
@@ -261,7 +261,7 @@ private:
         cFrom = LineAtOrBefore(cFrom > textStart_ + more ? cFrom - more : textStart_);
         if (cFrom == kDropped) return false;
       }
-      if (!atEnd) cTo = LineAtOrAfter(cTo + more);
+      if (!atEnd) cTo = LineAtOrAfter(cTo + more, cFrom);
       const std::u16string head = Decode(cFrom, from);
       shift = uint32_t(head.size());
       wide = head + text + Decode(to, cTo);
@@ -282,13 +282,13 @@ private:
   }
 
   // The line end at or after `at`, reading on as needed (the end of the
-  // text at the latest).
-  uint64_t LineAtOrAfter(uint64_t at) {
-    while (blocks_.End() < at + 1 && More(blocks_.Begin())) {
+  // text at the latest) and keeping what lies from `from` on.
+  uint64_t LineAtOrAfter(uint64_t at, uint64_t from) {
+    while (blocks_.End() < at + 1 && More(Keep(from))) {
     }
     if (at >= blocks_.End()) return blocks_.End();
     uint64_t end = blocks_.LineEnd(at);
-    while (end == 0 && More(blocks_.Begin()))
+    while (end == 0 && More(Keep(from)))
       end = blocks_.LineEnd(at);
     return end == 0 ? blocks_.End() : end;
   }

@@ -73,7 +73,7 @@ struct FastSettings {
   size_t mostHeld = size_t(16) << 20; // held at once: a longer line takes the plain way
   // Lines are kept until the text is known to be UTF-8 (its end), at most
   // so many; or, when the caller knows it already, handed to emit at once.
-  size_t mostLines = 100000;
+  size_t mostLines = 50000;
   std::function<void(ConcordanceLine &&)> emit;
 };
 
