@@ -8,6 +8,12 @@ echo "== kestrel search: 'kestrel' in the whole sample corpus (UTF-8 with and wi
 echo "   UTF-16 LE and BE, a sub-folder, and the members of a ZIP archive)"
 "$KESTREL" search --width 28 --recursive kestrel corpus
 echo
+echo "== kestrel search --sort right: the same lines sorted by the word after the match"
+"$KESTREL" search --width 28 --recursive --sort right kestrel corpus
+echo
+echo "== kestrel words: the ten most frequent words of the sample corpus"
+"$KESTREL" words --recursive --top 10 corpus
+echo
 echo "== kestrel search --ignore-marks: 'crecerelle' also finds the spelling with a combining accent"
 "$KESTREL" search --ignore-marks --width 20 crecerelle corpus/*.txt
 echo
@@ -55,3 +61,6 @@ echo
 echo "== kestrel convert: the German sample from UTF-16 to Windows-1252 and back to UTF-8"
 "$KESTREL" convert --from utf-16 --to 1252 corpus/markt-de.txt |
   "$KESTREL" convert --from 1252 --to utf-8 | sed -n '3p'
+echo
+echo "== kestrel langs: the first languages of the system's catalogue"
+"$KESTREL" langs | head -5

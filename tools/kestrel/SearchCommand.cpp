@@ -241,18 +241,10 @@ std::pair<uint64_t, size_t> SearchOne(const Input &in, Matcher &matcher, const F
 std::pair<uint64_t, size_t> SearchOrReport(const Input &in, Matcher &matcher, const FastPlan *plan,
                                            const SearchOptions &o, ConcordanceOutput &out,
                                            FileProblems &problems) {
-  try {
-    return SearchOne(in, matcher, plan, o, out, problems);
-  } catch (const InputSkipped &skipped) {
-    problems.Note(in.name, skipped.why);
-  } catch (const InputFailed &failed) {
-    problems.Failure(in.name, failed.why);
-  } catch (const std::bad_alloc &) {
-    problems.Failure(in.name, "out of memory");
-  } catch (const Exception &e) {
-    problems.Failure(in.name, e.Message());
-  }
-  return {0, 0};
+  std::pair<uint64_t, size_t> found{0, 0};
+  ReportingFailures(in.name, problems,
+                    [&] { found = SearchOne(in, matcher, plan, o, out, problems); });
+  return found;
 }
 
 // ---- The command

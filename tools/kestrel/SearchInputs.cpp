@@ -270,18 +270,25 @@ void SearchInputs::AddArchive(const std::string &archive, std::vector<Input> &in
   AddFound(collector, inputs);
 }
 
-bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes) {
+bool ReportingFailures(const std::string &name, FileProblems &problems,
+                       const std::function<void()> &work) {
   try {
-    bytes = in.load();
+    work();
     return true;
   } catch (const InputSkipped &skipped) {
-    problems.Note(in.name, skipped.why);
+    problems.Note(name, skipped.why);
   } catch (const InputFailed &failed) {
-    problems.Failure(in.name, failed.why);
+    problems.Failure(name, failed.why);
   } catch (const std::bad_alloc &) {
-    problems.Failure(in.name, "out of memory");
+    problems.Failure(name, "out of memory");
+  } catch (const Exception &e) {
+    problems.Failure(name, e.Message());
   }
   return false;
+}
+
+bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes) {
+  return ReportingFailures(in.name, problems, [&] { bytes = in.load(); });
 }
 
 } // namespace kestrel::cli

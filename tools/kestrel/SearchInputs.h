@@ -63,6 +63,12 @@ private:
   std::shared_ptr<MemberReader> members_;
 };
 
+// Runs work for the named input; what it throws because the text can't be
+// had or read (InputSkipped: a note; InputFailed, no memory, a library
+// error: a failure) goes to problems, and the result is false.
+bool ReportingFailures(const std::string &name, FileProblems &problems,
+                       const std::function<void()> &work);
+
 // The bytes of an input into bytes; false, with the reason reported to
 // problems, when it can't be had.
 bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes);

@@ -44,10 +44,10 @@ int main(int argc, char **argv) {
     rc = 2;
   } catch (const kestrel::Exception &e) {
     std::cerr << "kestrel " << cmd.name << ": " << e.Message() << "\n";
-    rc = 1;
+    rc = 2;
   } catch (const std::exception &e) {
     std::cerr << "kestrel " << cmd.name << ": " << e.what() << "\n";
-    rc = 1;
+    rc = 2;
   }
   Finalize();
   return rc;
