@@ -30,6 +30,7 @@ const std::vector<Query> kQueries = {
     {u"colou?r", true},        {u"kes+trel", true},
     {u"[kK]estrel", true},     {u"(red|blue) col", true},
     {u"\u00e9t\\w", true},     {u"s{2,3}", true},
+    {u"kestrel", true},
 };
 
 // Pieces the texts are made of: the words looked for in their case forms
