@@ -14,7 +14,7 @@ FUZZDIR  ?= build-fuzz
 FUZZ_SECONDS ?= 60
 KESTREL   = $(BUILD)/tools/kestrel
 
-.PHONY: all deps build test test-plain test-clang test-asan demo bench fuzz format clean
+.PHONY: all deps build test test-plain test-clang test-asan demo bench bench-cli fuzz format clean
 
 all: build
 
@@ -62,6 +62,15 @@ bench: deps
 	cmake -S . -B $(BENCHDIR) -DCMAKE_BUILD_TYPE=Release -DKESTREL_BENCH=ON -DBUILD_TESTING=OFF
 	cmake --build $(BENCHDIR) -j $(JOBS) --target kestrel_bench
 	$(BENCHDIR)/bench/kestrel_bench $(BENCH_ARGS)
+
+# kestrel search against grep (and ripgrep if installed) end to end, on a
+# corpus of BENCH_CLI_MB megabytes built once under $(BENCHDIR)/cli from text
+# on the machine, and kestrel's peak memory on one 1 GiB file.
+BENCH_CLI_MB ?= 300
+bench-cli: deps
+	cmake -S . -B $(BENCHDIR) -DCMAKE_BUILD_TYPE=Release -DKESTREL_BENCH=ON -DBUILD_TESTING=OFF
+	cmake --build $(BENCHDIR) -j $(JOBS) --target kestrel
+	python3 bench/cli_bench.py $(BENCHDIR)/tools/kestrel $(BENCHDIR)/cli --mb $(BENCH_CLI_MB)
 
 # Each libFuzzer target for FUZZ_SECONDS seconds, in turn and at low priority.
 fuzz: deps

@@ -5,8 +5,9 @@
 // (leftmost-longest) matches: the counts are printed beside the times.
 //
 // Groups "Longest.*": TURELongestMatch (every leftmost-longest match, as
-// grep -E -o) on the same cases and on a*b over a megabyte of "a", beside
-// PCRE2 JIT (leftmost-first) and the one-pass engine.
+// grep -E -o) on the same cases, on a*b over a megabyte of "a" and on
+// (a|aa)*b, beside PCRE2 JIT (leftmost-first), ICU and the one-pass engine.
+// Groups "*.Compile*": the compile of bounds, by each engine and the peers.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -91,12 +92,20 @@ const Case LongestCases[] = {
     {"Longest.CaseFolded", u"river", u"river", true},
     {"Longest.Optional", u"colou?r", u"colou?r", false},
     {"Longest.NoMatchAStarB", u"a*b", u"a*b", false},
+    {"Longest.Pathological", u"(a|aa)*b", u"(a|aa)*b", false},
 };
 
-// The text of a case: a megabyte of "a" for the a*b case, else BenchText.
+// Where backtracking peers take time exponential in the run of "a" (PCRE2
+// gives up at its match limit and misses the match at the end).
+const Case PathologicalCase = {"Regex.Pathological", u"(a|aa)*b", u"(a|aa)*b", false};
+
+// The text of a case: a megabyte of "a" for the a*b case, a run of 30 "a"
+// then "xb" for the pathological one, else BenchText.
 const std::u16string &TextFor(const Case &c) {
   static const std::u16string as(1u << 20, u'a');
-  return c.ours == u"a*b" ? as : BenchText();
+  static const std::u16string run = std::u16string(30, u'a') + u"xb";
+  if (c.ours == u"a*b") return as;
+  return c.ours == u"(a|aa)*b" ? run : BenchText();
 }
 
 template <typename Engine> void Ours(benchmark::State &state, const Case &c) {
@@ -148,7 +157,7 @@ void Pcre2(benchmark::State &state, const Case &c) {
 #endif
 
 void Icu(benchmark::State &state, const Case &c) {
-  const std::u16string &text = BenchText();
+  const std::u16string &text = TextFor(c);
   UErrorCode status = U_ZERO_ERROR;
   URegularExpression *re = uregex_open(c.peer.c_str(), int32_t(c.peer.size()),
                                        c.fold ? UREGEX_CASE_INSENSITIVE : 0, nullptr, &status);
@@ -171,24 +180,25 @@ void Icu(benchmark::State &state, const Case &c) {
   uregex_close(re);
 }
 
-// The compile of a bounded group, which the engine spells out copy by copy.
-const std::u16string BoundPattern = u"(ab|cd){1,40}";
+// The compile of bounds, which the engine spells out copy by copy.
+const std::u16string BoundPatterns[] = {u"(ab|cd){1,40}", u"a{1,1000}", u"[a-z]{2,1000}",
+                                        u"(ab|cd){1,200}"};
 
-void CompileOurs(benchmark::State &state) {
+template <typename Engine> void CompileOurs(benchmark::State &state, const std::u16string &p) {
   for (auto _ : state) {
-    kestrel::TURESearch engine;
-    engine.FindPrepare(BoundPattern, TSearchFlags{TSearchFlag::sfCaseSensitive});
-    benchmark::DoNotOptimize(engine.GetDFA().StateList.StatesUsed);
+    Engine engine;
+    engine.FindPrepare(p, TSearchFlags{TSearchFlag::sfCaseSensitive});
+    benchmark::DoNotOptimize(engine);
   }
 }
 
 #ifdef KESTREL_HAVE_PCRE2
-void CompilePcre2(benchmark::State &state) {
+void CompilePcre2(benchmark::State &state, const std::u16string &p) {
   for (auto _ : state) {
     int error = 0;
     PCRE2_SIZE offset = 0;
-    pcre2_code *re = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(BoundPattern.c_str()),
-                                   BoundPattern.size(), PCRE2_UTF, &error, &offset, nullptr);
+    pcre2_code *re = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(p.c_str()), p.size(), PCRE2_UTF,
+                                   &error, &offset, nullptr);
     pcre2_jit_compile(re, PCRE2_JIT_COMPLETE);
     benchmark::DoNotOptimize(re);
     pcre2_code_free(re);
@@ -196,11 +206,10 @@ void CompilePcre2(benchmark::State &state) {
 }
 #endif
 
-void CompileIcu(benchmark::State &state) {
+void CompileIcu(benchmark::State &state, const std::u16string &p) {
   for (auto _ : state) {
     UErrorCode status = U_ZERO_ERROR;
-    URegularExpression *re =
-        uregex_open(BoundPattern.c_str(), int32_t(BoundPattern.size()), 0, nullptr, &status);
+    URegularExpression *re = uregex_open(p.c_str(), int32_t(p.size()), 0, nullptr, &status);
     benchmark::DoNotOptimize(re);
     uregex_close(re);
   }
@@ -227,14 +236,37 @@ void CompileIcu(benchmark::State &state) {
     benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), Pcre2, c)
         ->Unit(benchmark::kMillisecond);
 #endif
+    if (c.ours != u"a*b") // ICU takes minutes on the megabyte of "a"
+      benchmark::RegisterBenchmark((group + "/icu").c_str(), Icu, c)->Unit(benchmark::kMillisecond);
   }
-  benchmark::RegisterBenchmark("Regex.CompileBound/kestrel", CompileOurs)
-      ->Unit(benchmark::kMicrosecond);
+  {
+    const Case &c = PathologicalCase;
+    std::string group = c.name;
+    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), Ours<kestrel::TURESearch>, c)
+        ->Unit(benchmark::kMicrosecond);
 #ifdef KESTREL_HAVE_PCRE2
-  benchmark::RegisterBenchmark("Regex.CompileBound/pcre2-jit", CompilePcre2)
-      ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), Pcre2, c)
+        ->Unit(benchmark::kMicrosecond);
 #endif
-  benchmark::RegisterBenchmark("Regex.CompileBound/icu", CompileIcu)->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark((group + "/icu").c_str(), Icu, c)->Unit(benchmark::kMicrosecond);
+  }
+  for (const std::u16string &p : BoundPatterns) {
+    const std::string shown(p.begin(), p.end());
+    const std::string group = "Regex.Compile" + shown, longest = "Longest.Compile" + shown;
+    benchmark::RegisterBenchmark((group + "/kestrel").c_str(), CompileOurs<kestrel::TURESearch>, p)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark((longest + "/kestrel").c_str(),
+                                 CompileOurs<kestrel::TURELongestMatch>, p)
+        ->Unit(benchmark::kMicrosecond);
+#ifdef KESTREL_HAVE_PCRE2
+    benchmark::RegisterBenchmark((group + "/pcre2-jit").c_str(), CompilePcre2, p)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark((longest + "/pcre2-jit").c_str(), CompilePcre2, p)
+        ->Unit(benchmark::kMicrosecond);
+#endif
+    benchmark::RegisterBenchmark((group + "/icu").c_str(), CompileIcu, p)
+        ->Unit(benchmark::kMicrosecond);
+  }
   return true;
 }();
 

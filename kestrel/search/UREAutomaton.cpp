@@ -8,20 +8,12 @@
 
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/frame/host/SysUtils.h>
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
 
 namespace kestrel {
-
-bool TURESearch::SpendWork(uint64_t Units) {
-  if (Units > FWorkLeft) {
-    FWorkLeft = 0;
-    return false;
-  }
-  FWorkLeft -= Units;
-  return true;
-}
 
 // ------------------------------------------------------------ the operators
 
@@ -40,6 +32,36 @@ void TURESearch::PushCopies(uint32_t State, uint32_t Count) {
   }
 }
 
+// Whether an expression matches the empty word. Operands have lower numbers
+// than the expressions built on them, so one pass upwards settles them all.
+bool TURESearch::Nullable(uint32_t Expression) const {
+  const TExpressionList &list = UREBuffer.ExpressionList;
+  std::vector<bool> empty(Expression + 1, false);
+  for (uint32_t i = 0; i <= Expression && i < list.ExpressionsUsed; ++i) {
+    const TExpression &e = list.Expressions[i];
+    const auto of = [&](uint32_t x) { return x < i && empty[x]; };
+    switch (e.ExprType) {
+    case OptionalExpr:
+    case StarExpr:
+    case EmptyExpr:
+      empty[i] = true;
+      break;
+    case PlusExpr:
+      empty[i] = of(e.LHS);
+      break;
+    case SequenceExpr:
+      empty[i] = of(e.LHS) && of(e.RHS);
+      break;
+    case AlternativeExpr:
+      empty[i] = of(e.LHS) || of(e.RHS);
+      break;
+    default: // a symbol, anchors included, consumes a unit or a separator
+      break;
+    }
+  }
+  return Expression < empty.size() && empty[Expression];
+}
+
 void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
   if (Max != 0 && Min > Max) {
     UREBuffer.Error = ErrBadRange;
@@ -50,7 +72,7 @@ void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
   } else if (Max == 0 && Min == 1) {
     State = MakeExpression(PlusExpr, State, NoExpression);
   } else if (Max == 0) {
-    if (!SpendWork(Min)) {
+    if ((Min >= MaxStates && !Nullable(State)) || !SpendWork(Min)) {
       UREBuffer.Error = ErrTooLarge;
       return;
     }
@@ -61,33 +83,39 @@ void TURESearch::ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max) {
     Pop();
   } else if (Min == 0 && Max == 1) {
     State = MakeExpression(OptionalExpr, State, NoExpression);
+  } else if (Max >= MaxStates && !Nullable(State)) {
+    // After v copies of an expression that cannot be empty, the state holds
+    // the sequences of at most Max - v copies: Max + 1 different states, more
+    // than an automaton may have. Refused at once, before the reduction works
+    // its way there.
+    UREBuffer.Error = ErrTooLarge;
   } else {
-    // Every value from Min to Max is spelled out as its own sequence, so the
-    // cost grows with the square of the bound: refuse what cannot be paid.
-    uint64_t from = Min == 0 ? 2 : Min;
-    uint64_t copies = from > Max ? 0 : (uint64_t(Max) + from) * (Max - from + 1) / 2;
-    if (copies + Max > BoundCopiesLimit || !SpendWork(copies + Max)) {
+    // Every value from Min to Max is its own sequence of copies, joined as
+    // alternatives. Sequences nest to the right and equal expressions share
+    // one number, so the sequence of v copies is (x, sequence of v - 1): each
+    // is built from the one before, and the expressions come into being in
+    // the order that pushing and collecting v - 1 copies for each v would
+    // give, in time linear in Max.
+    if (!SpendWork(2 * uint64_t(Max))) {
       UREBuffer.Error = ErrTooLarge;
       return;
     }
-    Push(GroupMark);
-    uint32_t saved = State;
+    const uint32_t saved = State;
+    uint32_t alternatives = NoExpression; // the alternatives so far
     if (Min == 0) {
-      State = MakeExpression(OptionalExpr, State, NoExpression);
+      alternatives = MakeExpression(OptionalExpr, saved, NoExpression);
       Min = 2;
-      Push(State);
-      Push(AlternativeExpr);
     }
+    uint32_t copies = saved; // the sequence of v - 1 copies, then of v
+    for (uint32_t v = 2; v < Min && UREBuffer.Error == 0; ++v)
+      copies = MakeExpression(SequenceExpr, saved, copies);
     for (uint32_t v = Min; v <= Max && UREBuffer.Error == 0; ++v) {
-      State = saved;
-      PushCopies(State, v - 1);
-      CollectPendingOperations(State);
-      if (v < Max) {
-        Push(State);
-        Push(AlternativeExpr);
-      }
+      if (v > 1) copies = MakeExpression(SequenceExpr, saved, copies);
+      alternatives = alternatives == NoExpression
+                         ? copies
+                         : MakeExpression(AlternativeExpr, alternatives, copies);
     }
-    Pop();
+    State = UREBuffer.Error == 0 ? alternatives : NoExpression;
   }
 }
 
@@ -156,22 +184,30 @@ uint32_t TURESearch::ConvertRE2NFA(const char16_t *Pattern, uint32_t Limit) {
 
 void TURESearch::AddSymbolState(uint32_t Symbol, uint32_t Expression) {
   TSymbolTable &table = UREBuffer.SymbolTable;
-  for (uint32_t i = 0; i < table.SymbolsUsed; ++i) {
-    TSymbolTableEntry &sym = table.Symbols[i];
-    if (sym.ID != Symbol) continue;
-    TStateList &list = sym.States;
-    auto first = list.List.begin(), last = first + list.ListUsed;
-    auto at = std::lower_bound(first, last, Expression);
-    if (at != last && *at == Expression) return;
-    size_t index = at - first;
-    SpendWork(1 + (list.ListUsed - index) / 16);
-    GrowBy8(list.List, list.ListUsed);
-    std::memmove(list.List.data() + index + 1, list.List.data() + index,
-                 (list.ListUsed - index) * sizeof(uint32_t));
-    list.List[index] = Expression;
-    ++list.ListUsed;
-    return;
-  }
+  // A symbol's ID is its place in the table; the search is for safety.
+  uint32_t i = Symbol;
+  if (i >= table.SymbolsUsed || table.Symbols[i].ID != Symbol)
+    for (i = 0; i < table.SymbolsUsed && table.Symbols[i].ID != Symbol; ++i) {
+    }
+  if (i >= table.SymbolsUsed) return;
+  TStateList &list = table.Symbols[i].States;
+  const uint32_t used = uint32_t(list.ListUsed);
+  // The list stays in ascending order. Expressions mostly come in ascending
+  // order, with few larger ones already listed (the empty word is numbered
+  // last): the place is looked for from the end.
+  GrowBy8(list.List, used);
+  uint32_t *at = list.List.data();
+  uint32_t index = used;
+  while (index > 0 && at[index - 1] > Expression)
+    --index;
+  if (index > 0 && at[index - 1] == Expression) return;
+  SpendWork(1 + (used - index) / 16);
+  if (used - index == 1) // mostly none or one to move: no call for those
+    at[used] = at[index];
+  else if (used > index)
+    std::memmove(at + index + 1, at + index, (used - index) * sizeof(uint32_t));
+  at[index] = Expression;
+  ++list.ListUsed;
 }
 
 uint32_t TURESearch::AddState(const uint32_t *NewStates, uint32_t Count) {
@@ -331,59 +367,166 @@ bool TURESearch::StatesDiffer(uint32_t A, uint32_t B) const {
 
 namespace {
 
-inline uint64_t Mix(uint64_t h, uint64_t v) {
-  h ^= v + 0x9E3779B97F4A7C15ull + (h << 6) + (h >> 2);
-  h ^= h >> 31;
-  return h * 0xBF58476D1CE4E5B9ull;
+// The coarsest partition of the states in which states of one block have the
+// same acceptance and symbols in order, and equal symbols lead into one
+// block: exactly the states that the merge's walk finds alike. Blocks are
+// split by Hopcroft's method (a block's predecessors are examined, and of
+// the two halves of a split only the smaller is examined again, unless the
+// whole was still waiting), in time O(t log n) for t transitions. Spend is
+// asked for the work as it goes; an empty result means it refused.
+class TStatePartition {
+public:
+  template <typename SpendFn> std::vector<uint32_t> Refine(const TStateTable &table, SpendFn spend);
+
+private:
+  void Split(uint32_t Block);
+  void Mark(uint32_t State);
+
+  std::vector<uint32_t> FElems, FLoc, FBlock;  // states by block, where each is
+  std::vector<uint32_t> FFirst, FEnd, FMarked; // per block: range, marked count
+  std::vector<uint8_t> FWaiting;               // per block: a splitter to come
+  std::vector<uint32_t> FWork, FTouched;
+};
+
+void TStatePartition::Mark(uint32_t State) {
+  const uint32_t b = FBlock[State];
+  const uint32_t to = FFirst[b] + FMarked[b];
+  const uint32_t at = FLoc[State];
+  if (at < to) return; // marked already
+  if (FMarked[b]++ == 0) FTouched.push_back(b);
+  const uint32_t other = FElems[to];
+  FElems[to] = State;
+  FLoc[State] = to;
+  FElems[at] = other;
+  FLoc[other] = at;
 }
 
-// Classes of states such that a walk of the merge from two states of
-// different classes always meets a pair that differs: states are split by
-// acceptance, by their symbols in order and by the classes of their targets,
-// until the number of classes stays. The signatures are hashed, so a class may
-// hold states that differ (their walk then fails), but never splits states
-// that behave alike. Spend is asked for each round's work; an empty result
-// means it refused.
+// The marked states of Block leave it as a block of their own.
+void TStatePartition::Split(uint32_t Block) {
+  const uint32_t marked = FMarked[Block];
+  FMarked[Block] = 0;
+  if (marked == FEnd[Block] - FFirst[Block]) return;
+  const uint32_t nb = uint32_t(FFirst.size());
+  FFirst.push_back(FFirst[Block]);
+  FEnd.push_back(FFirst[Block] + marked);
+  FMarked.push_back(0);
+  FFirst[Block] += marked;
+  for (uint32_t i = FFirst[nb]; i < FEnd[nb]; ++i)
+    FBlock[FElems[i]] = nb;
+  const bool smaller = marked <= FEnd[Block] - FFirst[Block];
+  FWaiting.push_back(0);
+  const uint32_t next = FWaiting[Block] || smaller ? nb : Block;
+  FWaiting[next] = 1;
+  FWork.push_back(next);
+}
+
 template <typename SpendFn>
-std::vector<uint32_t> AlikeClasses(const TStateTable &table, SpendFn spend) {
+std::vector<uint32_t> TStatePartition::Refine(const TStateTable &table, SpendFn spend) {
   const uint32_t n = table.StatesUsed;
-  std::vector<uint32_t> cls(n, 0), next(n);
-  std::unordered_map<uint64_t, uint32_t> ids;
-  size_t count = 1;
-  for (uint32_t round = 0; round <= n; ++round) {
-    if (!spend(uint64_t(n) * 4)) return {};
-    ids.clear();
+  uint64_t edges = 0;
+  for (uint32_t s = 0; s < n; ++s)
+    edges += uint64_t(table.States[s].TransitionsUsed);
+  if (!spend(4 * (uint64_t(n) + edges))) return {};
+  // First blocks: acceptance and the symbols in order.
+  FBlock.assign(n, 0);
+  {
+    std::unordered_map<std::string, uint32_t> first;
+    std::string key;
     for (uint32_t s = 0; s < n; ++s) {
       const TState &st = table.States[s];
-      uint64_t h = Mix(Mix(cls[s], st.Accepting), uint64_t(st.TransitionsUsed));
+      key.assign(1, char(st.Accepting));
       for (int32_t t = 0; t < st.TransitionsUsed; ++t)
-        h = Mix(Mix(h, st.Transitions[t].LHS), cls[st.Transitions[t].RHS]);
-      next[s] = ids.emplace(h, uint32_t(ids.size())).first->second;
+        key.append(reinterpret_cast<const char *>(&st.Transitions[t].LHS), sizeof(uint32_t));
+      FBlock[s] = first.emplace(key, uint32_t(first.size())).first->second;
     }
-    cls.swap(next);
-    if (round > 0 && ids.size() == count) break;
-    count = ids.size();
+    FFirst.assign(first.size(), 0);
   }
-  return cls;
+  const uint32_t blocks = uint32_t(FFirst.size());
+  FEnd.assign(blocks, 0);
+  for (uint32_t s = 0; s < n; ++s)
+    ++FEnd[FBlock[s]];
+  for (uint32_t b = 0, at = 0; b < blocks; ++b) {
+    FFirst[b] = at;
+    at += FEnd[b];
+    FEnd[b] = FFirst[b];
+  }
+  FElems.assign(n, 0);
+  FLoc.assign(n, 0);
+  for (uint32_t s = 0; s < n; ++s) {
+    FLoc[s] = FEnd[FBlock[s]]++;
+    FElems[FLoc[s]] = s;
+  }
+  FMarked.assign(blocks, 0);
+  FWaiting.assign(blocks, 1);
+  FWork.resize(blocks);
+  for (uint32_t b = 0; b < blocks; ++b)
+    FWork[b] = blocks - 1 - b;
+  // The transitions into each state: source and symbol.
+  std::vector<uint32_t> inFirst(n + 1, 0);
+  for (uint32_t s = 0; s < n; ++s)
+    for (int32_t t = 0; t < table.States[s].TransitionsUsed; ++t)
+      ++inFirst[table.States[s].Transitions[t].RHS + 1];
+  for (uint32_t s = 0; s < n; ++s)
+    inFirst[s + 1] += inFirst[s];
+  std::vector<std::pair<uint32_t, uint32_t>> in(edges); // symbol, source
+  {
+    std::vector<uint32_t> fill(inFirst.begin(), inFirst.end() - 1);
+    for (uint32_t s = 0; s < n; ++s)
+      for (int32_t t = 0; t < table.States[s].TransitionsUsed; ++t) {
+        const TExpression &tr = table.States[s].Transitions[t];
+        in[fill[tr.RHS]++] = {tr.LHS, s};
+      }
+  }
+  std::vector<std::pair<uint32_t, uint32_t>> preds;
+  while (!FWork.empty()) {
+    const uint32_t splitter = FWork.back();
+    FWork.pop_back();
+    FWaiting[splitter] = 0;
+    preds.clear();
+    for (uint32_t i = FFirst[splitter]; i < FEnd[splitter]; ++i) {
+      const uint32_t target = FElems[i];
+      preds.insert(preds.end(), in.begin() + inFirst[target], in.begin() + inFirst[target + 1]);
+    }
+    if (!spend(1 + preds.size() * 2)) return {};
+    std::sort(preds.begin(), preds.end());
+    // One symbol at a time: the states that reach the splitter on it.
+    for (size_t i = 0; i < preds.size();) {
+      const uint32_t symbol = preds[i].first;
+      for (; i < preds.size() && preds[i].first == symbol; ++i)
+        Mark(preds[i].second);
+      for (uint32_t b : FTouched)
+        Split(b);
+      FTouched.clear();
+    }
+  }
+  return FBlock;
 }
 
 } // namespace
 
 void TURESearch::MergeEquivalents() {
+  constexpr uint32_t NoState = 0xFFFFFFFF;
   TUREBuffer &b = UREBuffer;
   const uint32_t n = b.States.StatesUsed;
   const std::vector<uint32_t> cls =
-      AlikeClasses(b.States, [this](uint64_t units) { return SpendWork(units); });
+      TStatePartition().Refine(b.States, [this](uint64_t units) { return SpendWork(units); });
   if (cls.size() != n) {
     b.Error = ErrTooLarge;
     return;
+  }
+  // Only states of one block can be alike: each state is tried against the
+  // earlier states of its block, in order.
+  std::vector<uint32_t> head(n, NoState), next(n, NoState);
+  for (uint32_t i = n; i-- > 0;) {
+    next[i] = head[cls[i]];
+    head[cls[i]] = i;
   }
   TEquivalentList &eq = b.EquivalentList;
   for (uint32_t i = 0; i < n; ++i) {
     if (b.States.States[i].ID != i) continue;
     bool found = false;
-    for (uint32_t j = 0; j < i && !found; ++j) {
-      if (b.States.States[j].ID != j || cls[i] != cls[j]) continue;
+    for (uint32_t j = head[cls[i]]; j < i && !found; j = next[j]) {
+      if (b.States.States[j].ID != j) continue;
       eq.EquivalentsUsed = 0;
       FEquivalentIndex.clear();
       AddEquivalentPair(i, j);
@@ -532,7 +675,20 @@ void TURESearch::CompileURE(const char16_t *Pattern, uint32_t PatternLength, boo
     }
     ++k;
   }
-  PrepareScan();
+  // The longest run of plain characters in the top sequence, which every
+  // match holds, for the start search.
+  std::vector<uint32_t> items;
+  Flatten(UREBuffer.ExpressionList, start, items);
+  std::vector<UCS4> literal, run;
+  for (uint32_t item : items) {
+    const uint32_t symbol = LiteralSymbol(UREBuffer.ExpressionList, DFA.SymbolTable, item);
+    if (symbol != NoExpression) run.push_back(DFA.SymbolTable.Symbols[symbol].Symbol.Chr);
+    if (symbol == NoExpression || item == items.back()) {
+      if (run.size() > literal.size()) literal = run;
+      run.clear();
+    }
+  }
+  PrepareScan(literal);
 }
 
 } // namespace kestrel

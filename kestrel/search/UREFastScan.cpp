@@ -3,6 +3,7 @@
 // can begin a match, many units at a time with SSE2 or AVX2.
 #include <kestrel/search/UREFastScan.h>
 
+#include <algorithm>
 #include <bitset>
 #include <mutex>
 
@@ -10,6 +11,7 @@
 #include <immintrin.h>
 #endif
 
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
@@ -34,19 +36,41 @@ void TUREFastScan::Clear() {
   FStartSkipsHigh = false;
   FStep.clear();
   FDecisions.clear();
+  FLiteral.clear();
+  FLiteralOn = false;
+  FHaveLast = false;
 }
 
-void TUREFastScan::Build(const TDFA &Dfa) {
+void TUREFastScan::Build(const TDFA &Dfa, const std::vector<UCS4> &Literal) {
   Clear();
   const uint32_t n = Dfa.StateList.StatesUsed;
   if (n == 0) return;
   FDecisions.assign(DecisionCacheSize, TDecisionCache{});
   if (n > StepTableMaxStates) return;
-  FStep.resize(size_t(n) * 256);
-  for (uint32_t s = 0; s < n; ++s)
+  // What each symbol accepts below 256, tested once per symbol; a state's row
+  // then takes its transitions in order, so that the last that accepts wins,
+  // as Decide has it.
+  const TSymbolTable &symbols = Dfa.SymbolTable;
+  const bool fold = (Dfa.Flags & FoldCase) != 0;
+  std::vector<std::bitset<256>> accepts(symbols.SymbolsUsed);
+  for (uint32_t y = 0; y < symbols.SymbolsUsed; ++y)
     for (UCS4 c = 0; c < 256; ++c)
-      FStep[s * 256 + c] = (c == 0x0A || c == 0x0D) ? Anchored : Decide(Dfa, s, c);
+      accepts[y][c] = URESymbolAccepts(symbols.Symbols[y], 0, fold ? UnicodeToLower(c) : c);
+  FStep.assign(size_t(n) * 256, NoTarget);
+  for (uint32_t s = 0; s < n; ++s) {
+    int32_t *row = FStep.data() + size_t(s) * 256;
+    const TDFAState &st = Dfa.StateList.States[s];
+    for (uint32_t i = 0; i < st.NumberTransitions; ++i) {
+      const TTransition &tr = Dfa.TransitionList.Transitions[st.StartTransition + i];
+      const std::bitset<256> &a = accepts[tr.Symbol];
+      if (a.none()) continue;
+      for (UCS4 c = a._Find_first(); c < 256; c = a._Find_next(c))
+        row[c] = int32_t(tr.NextState);
+    }
+    row[0x0A] = row[0x0D] = Anchored;
+  }
   FindStartUnits(Dfa);
+  BuildLiteral(Dfa, Literal);
 }
 
 int32_t TUREFastScan::Decision(const TDFA &Dfa, uint32_t State, UCS4 C) {
@@ -228,9 +252,79 @@ const TStartFinder FindStart = ChooseStartFinder();
 
 } // namespace
 
+// The literal's jump, for a pattern with no anchors whose start state does
+// not accept: every match the one pass finds is a word of the pattern, so it
+// holds the literal, and every unit of it is read by a transition. From Run,
+// where the scan is in the start state, a match that begins before the next
+// occurrence Q spans Q's start; so no match spans the last unit X before Q
+// that no state reads, none begins before it, and after it the scan is in
+// the start state again. The scan may go on behind X (or at Run).
+void TUREFastScan::BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Literal) {
+  const uint32_t n = Dfa.StateList.StatesUsed;
+  if (Literal.size() < MinLiteral || FStep.empty() || Dfa.StateList.States[0].Accepting) return;
+  for (uint32_t y = 0; y < Dfa.SymbolTable.SymbolsUsed; ++y) {
+    const uint32_t type = Dfa.SymbolTable.Symbols[y].SymbolType;
+    if (type == LineStartSymbol || type == LineEndSymbol) return;
+  }
+  FFold = (Dfa.Flags & FoldCase) != 0;
+  // Probes: positions whose units are known in full, the rarest first.
+  std::vector<std::pair<uint32_t, TLiteralProbe>> probes;
+  for (uint32_t j = 0; j < Literal.size(); ++j) {
+    const UCS4 c = Literal[j];
+    TLiteralProbe probe;
+    probe.Offset = j;
+    if (!FFold) {
+      probe.Units[probe.Count++] = uint16_t(c);
+    } else if (c < 256 && !FoldTargetsBelow256().test(c)) {
+      for (UCS4 u = 0; u < 256 && probe.Count < 4; ++u)
+        if (UnicodeToLower(u) == c) probe.Units[probe.Count++] = uint16_t(u);
+    }
+    if (probe.Count == 0) continue;
+    uint32_t common = 0;
+    for (uint32_t k = 0; k < probe.Count; ++k)
+      common += Commonness(probe.Units[k]);
+    probes.push_back({common, probe});
+  }
+  if (probes.empty()) return;
+  ChooseProbes(probes, FProbe);
+  for (UCS4 u = 0; u < 256; ++u) {
+    bool read = IsLineSeparator(u);
+    for (uint32_t s = 0; s < n && !read; ++s)
+      read = FStep[size_t(s) * 256 + u] != NoTarget;
+    FReset[u] = !read;
+  }
+  FLiteral = Literal;
+  FLiteralOn = true;
+}
+
+bool TUREFastScan::LiteralAt(const char16_t *At) const {
+  for (size_t j = 0; j < FLiteral.size(); ++j) {
+    const char16_t u = At[j];
+    if (IsHighSurrogateUnit(u) || IsLowSurrogateUnit(u)) return false;
+    if ((FFold ? UnicodeToLower(u) : UCS4(u)) != FLiteral[j]) return false;
+  }
+  return true;
+}
+
+const char16_t *TUREFastScan::JumpByLiteral(const char16_t *Run, const char16_t *End) {
+  // The occurrence found last is still the next while Run has not passed it.
+  if (FHaveLast && Run <= FLastFound) return std::max(Run, FLastResume);
+  const char16_t *q = FindLiteral(Run, End, uint32_t(FLiteral.size()), FProbe,
+                                  [this](const char16_t *at) { return LiteralAt(at); });
+  if (q == End) return End;
+  const char16_t *x = q;
+  while (x > Run && !(x[-1] < 256 && FReset[x[-1]]))
+    --x;
+  FHaveLast = true;
+  FLastFound = q;
+  FLastResume = x;
+  return x;
+}
+
 // The first unit from Run on that may begin a match, in the start state and
 // away from the first unit of the text; End if there is none.
-const char16_t *TUREFastScan::SkipToStart(const char16_t *Run, const char16_t *End) const {
+const char16_t *TUREFastScan::SkipToStart(const char16_t *Run, const char16_t *End) {
+  if (FLiteralOn && (Run = JumpByLiteral(Run, End)) == End) return End;
   if (FStartUnitsKnown && FStartSkipsHigh)
     return FindStart(Run, End, FStartLow.data(), FStartSpan.data(), FStartLow.size());
   while (Run < End) {

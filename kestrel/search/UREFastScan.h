@@ -17,13 +17,24 @@ namespace kestrel {
 struct TDFA;
 struct TSymbolTableEntry;
 
+// One position of a literal: its offset and the units (at most 4) that can
+// stand there (URELiteralSearchInternal.h searches by two of them).
+struct TLiteralProbe {
+  uint32_t Offset = 0;
+  uint32_t Count = 0;
+  uint16_t Units[4] = {};
+};
+
 class TUREFastScan {
 public:
   static constexpr int32_t NoTarget = -1; // no symbol accepts
   static constexpr int32_t Anchored = -2; // a line separator: an anchor may accept
 
-  // Builds the tables of an automaton; forgets them.
-  void Build(const TDFA &Dfa);
+  // Builds the tables of an automaton; forgets them. Literal: plain
+  // characters in a row that every match holds (folded as the symbols are),
+  // if the pattern has some; the start search then jumps by their
+  // occurrences.
+  void Build(const TDFA &Dfa, const std::vector<UCS4> &Literal = {});
   void Clear();
 
   // Whether the tables were built (an automaton with states).
@@ -36,9 +47,19 @@ public:
   int32_t Decision(const TDFA &Dfa, uint32_t State, UCS4 C);
   // The first unit from Run on that may begin a match in the start state,
   // away from the first unit of the text; End if there is none.
-  const char16_t *SkipToStart(const char16_t *Run, const char16_t *End) const;
+  // In the start state with no attempt begun, and with no match found from
+  // Run on so far.
+  const char16_t *SkipToStart(const char16_t *Run, const char16_t *End);
+  // A new scan: the occurrence of the literal found last is forgotten.
+  void StartScan() { FHaveLast = false; }
+  // Whether the start search jumps by a literal.
+  bool LiteralJumps() const { return FLiteralOn; }
 
 private:
+  void BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Literal);
+  bool LiteralAt(const char16_t *At) const;
+  const char16_t *JumpByLiteral(const char16_t *Run, const char16_t *End);
+
   static int32_t Decide(const TDFA &Dfa, uint32_t Cur, UCS4 C);
   static bool MayAcceptAbove255(const TSymbolTableEntry &Sym, bool fold);
   void FindStartUnits(const TDFA &Dfa);
@@ -56,6 +77,16 @@ private:
   std::vector<uint16_t> FStartLow, FStartSpan;
   bool FStartUnitsKnown = false;
   bool FStartSkipsHigh = false;
+  // The literal every match holds, its two probes, and the units below
+  // 256 that no state reads (after one, the scan is in the start state).
+  std::vector<UCS4> FLiteral;
+  TLiteralProbe FProbe[2];
+  uint8_t FReset[256] = {};
+  bool FFold = false;
+  bool FLiteralOn = false;
+  // The occurrence found last in this scan, and where the scan resumes for it.
+  bool FHaveLast = false;
+  const char16_t *FLastFound = nullptr, *FLastResume = nullptr;
 };
 
 } // namespace kestrel

@@ -80,6 +80,8 @@ TAutomaton::TAutomaton(const char16_t *Pattern, uint32_t PatternLength, bool Fol
                      !(a == TAtom::NoWordAfter && !RightBounded);
   FCache =
       std::make_unique<TStateCache>(FTerms, FClasses, FAtoms, FRoot, positionTests, CacheLimit);
+  if (!positionTests) FLiteral.Build(buffer.ExpressionList, symbols, root, FClasses);
+  FUseLiteral = FLiteral.Usable();
 }
 
 void TAutomaton::SetCacheLimit(size_t Limit) {
@@ -137,8 +139,14 @@ bool TAutomaton::Scan(const char16_t *Text, uint32_t TextLen, bool FirstOnly,
   const int32_t *table = cache.Table();
   int32_t idle = cache.IdleRow();
   const bool skip = FSkip.Usable();
+  const bool literal = FUseLiteral;
+  FLiteral.Reset();
   uint32_t p = 0;
   while (p < TextLen) {
+    if (row == idle && literal) {
+      p = FLiteral.Resume(Text, p, TextLen);
+      if (p == TextLen) break;
+    }
     if (row == idle && skip) {
       p = uint32_t(FSkip.Next(Text + p, Text + TextLen) - Text);
       if (p == TextLen) break;
@@ -208,7 +216,19 @@ void TURELongestMatch::FindPrepare(const char16_t *Pattern, uint32_t PatternLeng
       Pattern, PatternLength, !Flags.Contains(TSearchFlag::sfCaseSensitive),
       Flags.Contains(TSearchFlag::sfLeftBounded), Flags.Contains(TSearchFlag::sfRightBounded),
       FCacheLimit);
-  if (automaton->Valid()) FAutomaton = std::move(automaton);
+  if (automaton->Valid()) {
+    automaton->SetLiteralFilter(FLiteralFilter);
+    FAutomaton = std::move(automaton);
+  }
+}
+
+void TURELongestMatch::SetLiteralFilter(bool On) {
+  FLiteralFilter = On;
+  if (FAutomaton) FAutomaton->SetLiteralFilter(On);
+}
+
+bool TURELongestMatch::UsesLiteralFilter() const {
+  return FAutomaton && FAutomaton->LiteralFilter();
 }
 
 bool TURELongestMatch::Run(const char16_t *Text, uint32_t TextLen, bool FirstOnly) {

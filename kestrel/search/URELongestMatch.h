@@ -83,6 +83,11 @@ public:
   }
   bool LimitReached() const { return FLimitReached; }
   uint64_t CacheFlushes() const;
+  // Whether the scan jumps to the next occurrence of a literal that every
+  // match holds (on at first); the answers are the same either way. Used
+  // says whether the compiled pattern has one to jump by.
+  void SetLiteralFilter(bool On);
+  bool UsesLiteralFilter() const;
   // States in the cache now, for tests.
   size_t CachedStates() const;
 
@@ -94,6 +99,7 @@ private:
   size_t FCacheLimit = 8u << 20;
   uint64_t FMaxFull = UINT64_MAX, FMaxEmpty = UINT64_MAX;
   bool FLimitReached = false;
+  bool FLiteralFilter = true;
 };
 
 } // namespace kestrel

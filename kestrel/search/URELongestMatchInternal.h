@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
@@ -243,6 +244,42 @@ private:
   uint8_t FStays[256] = {};
 };
 
+// The required literal of a pattern, found many units at a time before the
+// automaton runs. A pattern that is a sequence Before, Literal, After (the
+// literal: two or more plain characters of the basic plane) has every match
+// begin after the last unit before the literal's occurrence that Before
+// cannot read. So from a position where no attempt is alive, the scan may
+// jump to the next occurrence of the literal and back over the units that
+// Before can read. Only for patterns with no zero-width tests: the state the
+// scan resumes in must not depend on the unit before it.
+class TLiteralFilter {
+public:
+  void Build(const TExpressionList &Expressions, const TSymbolTable &Symbols, uint32_t Root,
+             TSymbolClasses &Classes);
+  bool Usable() const { return !FSymbols.empty(); }
+  void Reset() { FHaveLast = false; }
+  // From position P, where no attempt is alive: the first position from P on
+  // where a match can begin; End if none can.
+  uint32_t Resume(const char16_t *Text, uint32_t P, uint32_t End);
+  // The next occurrence of the literal from P on; End if none.
+  uint32_t Find(const char16_t *Text, uint32_t P, uint32_t End);
+
+  // The two positions of the literal whose units are looked for together:
+  // the rarest ones.
+  using TProbe = TLiteralProbe;
+
+private:
+  bool Matches(const char16_t *At);
+
+  TSymbolClasses *FClasses = nullptr;
+  std::vector<uint32_t> FSymbols; // one per unit of the literal
+  std::vector<uint8_t> FBefore;   // per class: readable before the literal
+  bool FPrefix = false;           // nothing stands before the literal
+  TProbe FProbe[2];
+  bool FHaveLast = false;
+  uint32_t FLastFound = 0, FLastResume = 0;
+};
+
 // Everything FindPrepare builds.
 class TAutomaton {
 public:
@@ -257,6 +294,10 @@ public:
             std::vector<TURELongestMatch::TMatch> &Matches, uint64_t MaxFull = UINT64_MAX,
             uint64_t MaxEmpty = UINT64_MAX);
   void SetCacheLimit(size_t Limit);
+  // Whether the scan jumps by the required literal (when the pattern has
+  // one); the answers are the same either way.
+  void SetLiteralFilter(bool On) { FUseLiteral = On && FLiteral.Usable(); }
+  bool LiteralFilter() const { return FUseLiteral; }
   uint64_t Flushes() const { return FCache ? FCache->Flushes() : 0; }
   size_t States() const { return FCache ? FCache->States() : 0; }
 
@@ -268,6 +309,8 @@ private:
   std::unique_ptr<TStateCache> FCache;
   TIdleSkip FSkip;
   bool FSkipBuilt = false;
+  TLiteralFilter FLiteral;
+  bool FUseLiteral = false;
   std::vector<uint32_t> FRegisters;
 };
 

@@ -142,13 +142,13 @@ int32_t TURESearch::TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const c
 
 // The tables of a compiled automaton: the guard against `^` loops, and the
 // accelerator's.
-void TURESearch::PrepareScan() {
+void TURESearch::PrepareScan(const std::vector<UCS4> &Literal) {
   FAnchorVisit.clear();
   FAnchorStamp = 0;
   for (uint32_t s = 0; s < DFA.SymbolTable.SymbolsUsed; ++s)
     if (DFA.SymbolTable.Symbols[s].SymbolType == LineStartSymbol)
       FAnchorVisit.assign(DFA.StateList.StatesUsed, 0);
-  FFastScan.Build(DFA);
+  FFastScan.Build(DFA, Literal);
 }
 
 // The end of the text reached by an accepted character: the match holds if
@@ -189,6 +189,7 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
     FAnchorStamp = 1;
   }
   const bool fast = Fast && Flags == 0 && FFastScan.Ready();
+  if (fast) FFastScan.StartScan();
   const int32_t *const step = FFastScan.StepTable();
   const bool useStep = fast && step != nullptr;
   const bool skipStart = useStep && !states.States[0].Accepting;

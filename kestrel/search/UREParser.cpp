@@ -1,39 +1,13 @@
 // The front end of TURESearch: the operator stack, symbols, character classes,
 // property lists and the expression table.
+#include <algorithm>
+
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
 #include <kestrel/unicode/Unicode.h>
 
 namespace kestrel {
-
-// ---------------------------------------------------------------- the stack
-
-void TURESearch::Push(uint32_t Value) {
-  TStateList &s = UREBuffer.Stack;
-  uint32_t expr = Value & 0xFFFF;
-  auto &exprs = UREBuffer.ExpressionList;
-  bool known = UREBuffer.Reducing && expr < exprs.ExpressionsUsed;
-  if (known && exprs.Expressions[expr].OnStack) return;
-  GrowBy8(s.List, s.ListUsed);
-  s.List[s.ListUsed++] = Value;
-  if (known) exprs.Expressions[expr].OnStack = true;
-}
-
-uint32_t TURESearch::Peek() const {
-  const TStateList &s = UREBuffer.Stack;
-  return s.ListUsed == 0 ? NoExpression : s.List[s.ListUsed - 1];
-}
-
-uint32_t TURESearch::Pop() {
-  TStateList &s = UREBuffer.Stack;
-  if (s.ListUsed == 0) return NoExpression;
-  uint32_t v = s.List[--s.ListUsed];
-  auto &exprs = UREBuffer.ExpressionList;
-  if (UREBuffer.Reducing && (v & 0xFFFF) < exprs.ExpressionsUsed)
-    exprs.Expressions[v & 0xFFFF].OnStack = false;
-  return v;
-}
 
 // ------------------------------------------------------- numbers and lists
 
@@ -377,6 +351,31 @@ uint32_t TURESearch::MakeSymbol(const char16_t *Text, uint32_t Limit, uint32_t &
 
 // -------------------------------------------------------------- expressions
 
+void TURESearch::TExpressionIndex::Add(uint64_t Key, uint32_t Value) {
+  if (2 * (Used + 1) > Keys.size()) { // at most half full
+    std::vector<uint64_t> keys(std::max<size_t>(64, Keys.size() * 2), 0);
+    std::vector<uint32_t> values(keys.size());
+    const size_t mask = keys.size() - 1;
+    for (size_t j = 0; j < Keys.size(); ++j) {
+      if (Keys[j] == 0) continue;
+      size_t i = Slot(Keys[j] - 1, mask);
+      while (keys[i] != 0)
+        i = (i + 1) & mask;
+      keys[i] = Keys[j];
+      values[i] = Values[j];
+    }
+    Keys.swap(keys);
+    Values.swap(values);
+  }
+  const size_t mask = Keys.size() - 1;
+  size_t i = Slot(Key, mask);
+  while (Keys[i] != 0)
+    i = (i + 1) & mask;
+  Keys[i] = Key + 1;
+  Values[i] = Value;
+  ++Used;
+}
+
 uint32_t TURESearch::MakeExpression(uint32_t ExprType, uint32_t LHS, uint32_t RHS) {
   // An operand of "no expression" indexes nothing and cannot be reduced.
   bool unary = ExprType == OptionalExpr || ExprType == StarExpr || ExprType == PlusExpr;
@@ -387,8 +386,7 @@ uint32_t TURESearch::MakeExpression(uint32_t ExprType, uint32_t LHS, uint32_t RH
     return NoExpression;
   }
   uint64_t key = (uint64_t(ExprType) << 40) | (uint64_t(LHS & 0xFFFFF) << 20) | (RHS & 0xFFFFF);
-  auto it = FExpressionIndex.find(key);
-  if (it != FExpressionIndex.end()) return it->second;
+  if (uint32_t known = FExpressionIndex.Find(key); known != NoExpression) return known;
   TExpressionList &list = UREBuffer.ExpressionList;
   if (list.ExpressionsUsed >= NoExpression || !SpendWork(1)) {
     UREBuffer.Error = ErrTooLarge;
@@ -396,7 +394,7 @@ uint32_t TURESearch::MakeExpression(uint32_t ExprType, uint32_t LHS, uint32_t RH
   }
   GrowBy8(list.Expressions, list.ExpressionsUsed);
   list.Expressions[list.ExpressionsUsed] = TExpression{false, ExprType, LHS, RHS};
-  FExpressionIndex.emplace(key, list.ExpressionsUsed);
+  FExpressionIndex.Add(key, list.ExpressionsUsed);
   return list.ExpressionsUsed++;
 }
 

@@ -66,9 +66,6 @@ inline constexpr int32_t ErrTooLarge = -8;
 // steps, state-list entries, merge comparisons) before it is refused. About a
 // second of work; ordinary patterns use a tiny part of it.
 inline constexpr uint64_t CompileWorkLimit = uint64_t(1) << 26;
-// A bound {n,m} is spelled out as every sequence from n to m copies long:
-// about m squared / 2 copies, which may not pass this number.
-inline constexpr uint64_t BoundCopiesLimit = uint64_t(1) << 20;
 // States an automaton may have before reduction stops and the pattern is
 // refused (`(a|b)*a(a|b){20}` would need two million).
 inline constexpr uint32_t MaxStates = 8192;
@@ -234,12 +231,35 @@ public:
   // The compiled automaton and the compile's working tables, for inspection.
   const TDFA &GetDFA() const { return DFA; }
   const TUREBuffer &GetUREBuffer() const { return UREBuffer; }
+  // Our accelerator of the scan, for inspection.
+  const TUREFastScan &GetFastScan() const { return FFastScan; }
 
 protected:
-  // Parser (symbols, classes, properties).
-  void Push(uint32_t Value);
-  uint32_t Peek() const;
-  uint32_t Pop();
+  // Parser (symbols, classes, properties). The stack's operations are inline:
+  // reduction uses them for every expression of every state.
+  void Push(uint32_t Value) {
+    TStateList &s = UREBuffer.Stack;
+    const uint32_t expr = Value & 0xFFFF;
+    TExpressionList &exprs = UREBuffer.ExpressionList;
+    const bool known = UREBuffer.Reducing && expr < exprs.ExpressionsUsed;
+    if (known && exprs.Expressions[expr].OnStack) return;
+    if (size_t(s.ListUsed) >= s.List.size()) s.List.resize(s.List.size() + 8);
+    s.List[s.ListUsed++] = Value;
+    if (known) exprs.Expressions[expr].OnStack = true;
+  }
+  uint32_t Peek() const {
+    const TStateList &s = UREBuffer.Stack;
+    return s.ListUsed == 0 ? NoExpression : s.List[s.ListUsed - 1];
+  }
+  uint32_t Pop() {
+    TStateList &s = UREBuffer.Stack;
+    if (s.ListUsed == 0) return NoExpression;
+    const uint32_t v = s.List[--s.ListUsed];
+    TExpressionList &exprs = UREBuffer.ExpressionList;
+    if (UREBuffer.Reducing && (v & 0xFFFF) < exprs.ExpressionsUsed)
+      exprs.Expressions[v & 0xFFFF].OnStack = false;
+    return v;
+  }
   uint32_t ParsePropertyList(const char16_t *Text, uint32_t Limit, uint32_t &Categories);
   uint32_t MakeHexNumber(const char16_t *Text, uint32_t Limit, uint32_t &Number);
   uint32_t ProbeLowSurrogate(const char16_t *Text, uint32_t Limit, uint32_t &Number);
@@ -270,12 +290,20 @@ private:
   uint32_t ParseBounds(const char16_t *Text, uint32_t Limit, uint32_t &Min, uint32_t &Max);
   void ExpandBounds(uint32_t &State, uint32_t Min, uint32_t Max);
   void PushCopies(uint32_t State, uint32_t Count);
-  bool SpendWork(uint64_t Units);
+  bool Nullable(uint32_t Expression) const;
+  bool SpendWork(uint64_t Units) {
+    if (Units > FWorkLeft) {
+      FWorkLeft = 0;
+      return false;
+    }
+    FWorkLeft -= Units;
+    return true;
+  }
   bool StatesDiffer(uint32_t A, uint32_t B) const;
   [[noreturn]] void RaiseError(const char16_t *Pattern, uint32_t PatternLength, uint16_t Ident);
 
   // The tables of a compiled automaton, for the scan and its accelerator.
-  void PrepareScan();
+  void PrepareScan(const std::vector<UCS4> &Literal);
   int32_t TryTransitions(uint32_t Flags, uint32_t Cur, UCS4 C, const char16_t *Text,
                          const char16_t *End, const char16_t *Prev, const char16_t *&Run,
                          uint32_t &SymbolType);
@@ -286,7 +314,31 @@ private:
 
   // Indexes that make the linear searches of the compile cheap; they find the
   // same entries the searches would find.
-  std::unordered_map<uint64_t, uint32_t> FExpressionIndex;
+  // Expressions by their triple: open addressing, as reduction asks it for
+  // nearly every rewriting step.
+  struct TExpressionIndex {
+    std::vector<uint64_t> Keys; // key + 1; 0 is an empty slot
+    std::vector<uint32_t> Values;
+    uint32_t Used = 0;
+    uint32_t Find(uint64_t Key) const {
+      if (Keys.empty()) return NoExpression;
+      const size_t mask = Keys.size() - 1;
+      for (size_t i = Slot(Key, mask);; i = (i + 1) & mask) {
+        if (Keys[i] == Key + 1) return Values[i];
+        if (Keys[i] == 0) return NoExpression;
+      }
+    }
+    void Add(uint64_t Key, uint32_t Value);
+    void clear() {
+      Keys.clear();
+      Values.clear();
+      Used = 0;
+    }
+    static size_t Slot(uint64_t Key, size_t Mask) {
+      return size_t((Key * 0x9E3779B97F4A7C15ull) >> 32) & Mask;
+    }
+  };
+  TExpressionIndex FExpressionIndex;
   std::unordered_map<std::string, uint32_t> FStateIndex;
   std::unordered_set<uint64_t> FEquivalentIndex;
   uint64_t FWorkLeft = 0;

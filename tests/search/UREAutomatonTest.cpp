@@ -151,3 +151,40 @@ TEST(UREAutomaton, TheParseBufferKeepsItsExpressionsUntilTheNextCompile) {
 
 } // namespace
 } // namespace kestrel::test
+
+namespace kestrel::test {
+namespace {
+
+// A bound is the alternative of its spelled-out sequences, as the pattern
+// would be written by hand: both give the same automaton, state by state.
+TEST(UREAutomaton, BoundsEqualTheirSpelledOutAlternatives) {
+  struct Case {
+    std::u16string operand;
+    uint32_t min, max;
+  } cases[] = {{u"a", 1, 1},     {u"a", 2, 3},     {u"a", 0, 3},      {u"a", 1, 9},
+               {u"a", 3, 3},     {u"a", 4, 7},     {u"(ab|c)", 0, 4}, {u"(ab|c)", 2, 5},
+               {u"[a-c]", 2, 6}, {u"(a*b)", 1, 4}, {u"(x?)", 0, 3},   {u"(a|ab)", 3, 8}};
+  for (const Case &c : cases) {
+    // x{0,m} is x?, then two copies up to m; x{n,m} is n copies up to m.
+    std::u16string spelled = u"(";
+    uint32_t from = c.min;
+    if (c.min == 0) {
+      spelled += c.operand + u"?";
+      from = 2;
+    }
+    for (uint32_t v = from; v <= c.max; ++v) {
+      if (spelled.size() > 1) spelled += u"|";
+      for (uint32_t k = 0; k < v; ++k)
+        spelled += c.operand;
+    }
+    spelled += u")z";
+    const std::string bound = std::to_string(c.min) + "," + std::to_string(c.max);
+    const std::u16string pattern =
+        c.operand + u"{" + std::u16string(bound.begin(), bound.end()) + u"}z";
+    EXPECT_EQ(DescribePattern(pattern), DescribePattern(spelled))
+        << std::string(pattern.begin(), pattern.end());
+  }
+}
+
+} // namespace
+} // namespace kestrel::test

@@ -2,6 +2,8 @@
 // decision cache and the start search give what the plain scan gives.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include <kestrel/search/URESearch.h>
 
 #include "URETestHelpers.h"
@@ -36,6 +38,91 @@ TEST(UREFastScan, LongTextsTakeTheFastPathWithTheSameResults) {
       }
     }
   }
+}
+
+} // namespace
+} // namespace kestrel::test
+
+namespace kestrel::test {
+namespace {
+
+// Every match of the scan with the accelerator and of the plain one, as
+// FindAll takes them.
+using Found = std::vector<std::pair<uint32_t, uint32_t>>;
+Found AllMatches(TURESearch &engine, const std::u16string &text, bool plain) {
+  Found out;
+  uint32_t run = 0, s = 0, e = 0;
+  while (run < text.size()) {
+    const uint32_t left = uint32_t(text.size() - run);
+    if (!(plain ? engine.ExecuteUREPlain(0, text.data() + run, left, s, e)
+                : engine.ExecuteURE(0, text.data() + run, left, s, e)))
+      break;
+    out.emplace_back(run + s, run + e);
+    run += e > 0 ? e : 1;
+  }
+  return out;
+}
+
+TEST(UREFastScan, TheLiteralJumpKeepsTheOnePassAnswers) {
+  struct Row {
+    std::u16string pattern, text;
+    bool fold, jumps;
+    Found expected;
+  } rows[] = {
+      // A failed attempt is not retried: "llanguage" holds no match.
+      {u"language", u"llanguage language xlanguage", false, true, {{10, 18}, {20, 28}}},
+      {u"lan[a-z]+", u"lalan lanes", false, true, {{6, 11}}},
+      {u"river", u"RIVER Rivers rive", true, true, {{0, 5}, {6, 11}}},
+      {u"kz", u"\u212Az kz", true, true, {{0, 2}, {3, 5}}}, // k is no probe: z is
+      {u"ab", u"\U0001F600ab\U0001F600b", false, true, {{2, 4}}},
+      {u"ab", std::u16string(37, u'a') + u"b", false, true, {{36, 38}}},
+      // The literal inside: the scan goes back to the last blank before it.
+      {u"[a-z]+ing", u"the driving fishing beginning", false, true, {{15, 19}}},
+      {u"x[a-z]*ing", u"aaaxbbing xing", false, true, {{3, 9}, {10, 14}}},
+      {u"a", u"aa", false, false, {{0, 1}, {1, 2}}}, // one character: no jump
+      {u"^ab", u"ab ab", false, false, {{0, 2}}},    // an anchor: no jump
+      {u"ab|cd", u"cd", false, false, {{0, 2}}},
+  };
+  for (const Row &r : rows) {
+    TURESearch engine;
+    engine.FindPrepare(r.pattern, r.fold ? TSearchFlags{} : CaseSensitive());
+    const std::string shown(r.pattern.begin(), r.pattern.end());
+    EXPECT_EQ(engine.GetFastScan().LiteralJumps(), r.jumps) << shown;
+    EXPECT_EQ(AllMatches(engine, r.text, false), r.expected) << shown;
+    EXPECT_EQ(AllMatches(engine, r.text, true), r.expected) << shown;
+  }
+}
+
+// Patterns that hold a literal, over texts full of its pieces.
+TEST(UREFastScan, RandomLiteralPatternsAgreeWithThePlainScan) {
+  std::mt19937 rng(181);
+  auto pick = [&](size_t n) {
+    return size_t(std::uniform_int_distribution<size_t>(0, n - 1)(rng));
+  };
+  const std::u16string literals[] = {u"ab", u"abc", u"kz", u"aab", u"xyx", u"\u00e9a", u"lang"};
+  const std::u16string tails[] = {u"",  u"[a-c]*", u"b+",   u"(ab|c)?", u"x{1,3}",
+                                  u".", u"\\p11*", u"[^ ]", u"y|z"};
+  const std::u16string units[] = {
+      u"a",      u"b",      u"c", u"x",  u"y",          u"z",  u"k",   u"A",   u"K",    u"\u212A",
+      u"\u00e9", u"\u00c9", u" ", u"\n", u"\U0001F600", u"ab", u"aab", u"lan", u"lang", u"g"};
+  int jumps = 0;
+  for (int i = 0; i < 300; ++i) {
+    const std::u16string pattern = tails[pick(std::size(tails))] +
+                                   literals[pick(std::size(literals))] +
+                                   tails[pick(std::size(tails))];
+    const bool fold = pick(2) != 0;
+    TURESearch engine;
+    engine.FindPrepare(pattern, fold ? TSearchFlags{} : CaseSensitive());
+    jumps += engine.GetFastScan().LiteralJumps();
+    for (int t = 0; t < 4; ++t) {
+      std::u16string text;
+      for (size_t n = pick(150); n > 0; --n)
+        text += units[pick(std::size(units))];
+      ASSERT_EQ(AllMatches(engine, text, false), AllMatches(engine, text, true))
+          << std::string(pattern.begin(), pattern.end()) << (fold ? " folded" : "");
+    }
+  }
+  EXPECT_GT(jumps, 100);
 }
 
 } // namespace

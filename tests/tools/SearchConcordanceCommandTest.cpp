@@ -109,8 +109,12 @@ TEST(SearchConcordance, CountsPerFileAndInTotal) {
   const std::string files = dir / "a.txt" + " " + dir / "b.txt" + " " + dir / "c.txt";
   Result r = Search("--count --format tsv kestrel " + files);
   EXPECT_EQ(r.status, 0);
-  EXPECT_EQ(Column(r.out, 1), "3 0 1") << r.out;
-  EXPECT_EQ(Column(Search("--count --max-count 2 --format tsv kestrel " + files).out, 1), "2 0 1");
+  EXPECT_EQ(Column(r.out, 1), "3 0 1 4") << r.out;
+  EXPECT_TRUE(Has(r.out, "\n(total)\t4\n")) << r.out;
+  EXPECT_EQ(Column(Search("--count --max-count 2 --format tsv kestrel " + files).out, 1),
+            "2 0 1 3");
+  r = Search("--count --format csv kestrel " + files);
+  EXPECT_TRUE(Has(r.out, "\r\n(total),4\r\n")) << r.out;
   r = Search("--count kestrel " + files);
   EXPECT_TRUE(Has(r.out, "4 matches in 2 of 3 files")) << r.out;
   r = Search("--count --json kestrel " + files);

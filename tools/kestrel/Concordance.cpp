@@ -109,31 +109,66 @@ SortSpec ParseSort(const std::string &value) {
   return s;
 }
 
-std::u16string WordBefore(const std::u16string &t, uint32_t at, int n) {
+namespace {
+
+// The n-th word before `at` as [from, to), empty when there is none; `stop`
+// is where the walk stopped (at 0 it met the edge of the text).
+struct WordSpan {
+  uint32_t from = 0, to = 0, stop = 0;
+};
+
+WordSpan WordBeforeSpan(const std::u16string &t, uint32_t at, int n) {
   uint32_t from = at, to = at;
   for (int k = 0; k < n; ++k) {
     while (from > 0 && !IsWordChar(CodeAt(t, StepBack(t, from))))
       from = StepBack(t, from);
-    if (from == 0) return {};
+    if (from == 0) return {0, 0, 0};
     to = from;
     while (from > 0 && IsWordChar(CodeAt(t, StepBack(t, from))))
       from = StepBack(t, from);
   }
-  return t.substr(from, to - from);
+  return {from, to, from};
 }
 
-std::u16string WordAfter(const std::u16string &t, uint32_t at, int n) {
+// The n-th word from `at` on; at `stop` == size the walk met the edge.
+WordSpan WordAfterSpan(const std::u16string &t, uint32_t at, int n) {
   const auto size = static_cast<uint32_t>(t.size());
   uint32_t from = at, to = at;
   for (int k = 0; k < n; ++k) {
     while (to < size && !IsWordChar(CodeAt(t, to)))
       to += static_cast<uint32_t>(UnitsAt(t, to));
-    if (to == size) return {};
+    if (to == size) return {size, size, size};
     from = to;
     while (to < size && IsWordChar(CodeAt(t, to)))
       to += static_cast<uint32_t>(UnitsAt(t, to));
   }
-  return t.substr(from, to - from);
+  return {from, to, to};
+}
+
+} // namespace
+
+std::u16string WordBefore(const std::u16string &t, uint32_t at, int n) {
+  const WordSpan w = WordBeforeSpan(t, at, n);
+  return t.substr(w.from, w.to - w.from);
+}
+
+std::u16string WordAfter(const std::u16string &t, uint32_t at, int n) {
+  const WordSpan w = WordAfterSpan(t, at, n);
+  return t.substr(w.from, w.to - w.from);
+}
+
+// An edge reached (0 or the size) is no answer of the piece's own unless it
+// is the edge of the whole text; short of it, every offset looked at lies
+// inside.
+bool ContextWithin(const std::u16string &text, uint32_t start, uint32_t stop,
+                   const ContextSpec &context, const SortSpec &sort, bool atStart, bool atEnd) {
+  const auto size = static_cast<uint32_t>(text.size());
+  uint32_t left = LeftEdge(text, start, context), right = RightEdge(text, stop, context);
+  if (sort.by == SortSpec::By::Left)
+    left = std::min(left, WordBeforeSpan(text, start, sort.n).stop);
+  if (sort.by == SortSpec::By::Right)
+    right = std::max(right, WordAfterSpan(text, stop, sort.n).stop);
+  return (atStart || left > 0) && (atEnd || right < size);
 }
 
 ConcordanceLine MakeLine(const std::u16string &text, uint32_t start, uint32_t stop, uint32_t line,

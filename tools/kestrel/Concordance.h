@@ -27,8 +27,9 @@ SortSpec ParseSort(const std::string &value);
 
 struct ConcordanceLine {
   std::string file, encoding;
-  uint32_t start = 0, stop = 0; // UTF-16 unit offsets into the decoded text
-  uint32_t line = 0, column = 0;
+  uint64_t start = 0, stop = 0; // UTF-16 unit offsets into the decoded text
+  uint64_t line = 0;
+  uint32_t column = 0;
   std::u16string left, match, right; // on one line: breaks and controls as blanks
   int leftColumns = 0;               // terminal columns of `left`
   std::u16string key;                // what the line sorts by
@@ -37,6 +38,13 @@ struct ConcordanceLine {
 // The line of the match [start, stop) of text, placed at line:column.
 ConcordanceLine MakeLine(const std::u16string &text, uint32_t start, uint32_t stop, uint32_t line,
                          uint32_t column, const ContextSpec &context, const SortSpec &sort);
+
+// Whether MakeLine reads only inside text for the match [start, stop):
+// the context and the sort key end short of the edges of text, or reach an
+// edge that is the start (atStart) or end (atEnd) of the whole text. A
+// piece of a text that passes gives the line the whole text would.
+bool ContextWithin(const std::u16string &text, uint32_t start, uint32_t stop,
+                   const ContextSpec &context, const SortSpec &sort, bool atStart, bool atEnd);
 
 // The n-th word (from 1) before `at` or from `at` on; empty when there is none.
 std::u16string WordBefore(const std::u16string &text, uint32_t at, int n);

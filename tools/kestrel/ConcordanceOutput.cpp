@@ -107,7 +107,8 @@ void ConcordanceOutput::Summary(uint64_t matches, size_t files, size_t withMatch
               Plural(files, "file", "files").c_str(), failed_.empty() ? "" : "; ", failed_.c_str());
 }
 
-// --count: a row per file; text ends with the summary, JSON holds the total.
+// --count: a row per file; text ends with the summary, TSV and CSV with a
+// "(total)" row, JSON holds the total.
 void ConcordanceOutput::FinishCounts(uint64_t matches, size_t files, size_t withMatches) {
   if (o_.format == OutputFormat::Json) {
     std::fputs("{\"files\": [", stdout);
@@ -123,6 +124,8 @@ void ConcordanceOutput::FinishCounts(uint64_t matches, size_t files, size_t with
   TableWriter table(o_.format, {{"file", false}, {"matches", true}});
   for (const FileCount &f : files_)
     table.Row({f.name, std::to_string(f.matches)});
+  // The total as a last row, as the summary line and the JSON have it.
+  if (o_.format != OutputFormat::Text) table.Row({"(total)", std::to_string(matches)});
   table.Finish();
   if (o_.format == OutputFormat::Text) Summary(matches, files, withMatches);
 }

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@
 #include "Cli.h"
 #include "Collation.h"
 #include "ConcordanceOutput.h"
+#include "FastSearch.h"
 #include "FileProblems.h"
 #include "SearchInputs.h"
 #include "SearchLimits.h"
@@ -149,11 +151,74 @@ std::string EvidenceText(TEncodingEvidence e, bool encodingGiven) {
   return encodingGiven ? "as given" : "assumed";
 }
 
+// The lines of one text to the output.
+void Hand(const std::u16string &text, const std::vector<MatchSpan> &found, const FileCount &file,
+          const SearchOptions &o, ConcordanceOutput &out) {
+  Placer placer(text);
+  for (const MatchSpan &m : found) {
+    const Hit h = placer.Place(m.start, m.stop);
+    ConcordanceLine line =
+        MakeLine(text, h.start, h.stop, h.line, h.column, o.out.context, o.out.sort);
+    line.file = file.name;
+    line.encoding = file.encoding;
+    out.Add(std::move(line));
+  }
+}
+
+// The fast way through a UTF-8 text: false, with nothing handed on, when
+// the text must be decoded whole. A plain file is read a block at a time
+// (with no size limit), other inputs whole. A text with more lines than are
+// held until its end is searched twice: known to be UTF-8 after the first
+// time, its lines go out as they are found the second.
+bool SearchFast(const Input &in, const FastPlan &plan, Matcher &matcher, const SearchOptions &o,
+                ConcordanceOutput &out, std::string &bytes, bool &loaded,
+                std::pair<uint64_t, size_t> &done) {
+  FastSettings settings;
+  settings.context = o.out.context;
+  settings.sort = o.out.sort;
+  settings.countOnly = o.out.count;
+  settings.maxCount = o.maxCount;
+  if (!in.open) {
+    bytes = in.load();
+    loaded = true;
+  }
+  auto search = [&](FastResult &r) {
+    if (in.open) return FastSearchText(*in.open(), plan, matcher, settings, r);
+    MemorySource source(bytes);
+    return FastSearchText(source, plan, matcher, settings, r);
+  };
+  FastResult r;
+  if (!search(r)) return false;
+  const FileCount file{in.name, "UTF-8", r.byteOrderMark ? "byte-order mark" : "valid UTF-8",
+                       r.matches};
+  auto hand = [&](ConcordanceLine &&line) {
+    line.file = file.name;
+    line.encoding = file.encoding;
+    out.Add(std::move(line));
+  };
+  if (r.tooManyLines) {
+    settings.emit = hand;
+    FastResult again;
+    if (!search(again) || again.matches != r.matches)
+      throw InputFailed{"the file changed while it was read"};
+  }
+  for (ConcordanceLine &line : r.lines)
+    hand(std::move(line));
+  out.FileDone(file);
+  done = {r.matches, static_cast<size_t>(r.bytes)};
+  return true;
+}
+
 // Reads one input, says how when it had to assume, searches it, hands the
 // lines on; returns the matches and the bytes read.
-std::pair<uint64_t, size_t> SearchOne(const Input &in, Matcher &matcher, const SearchOptions &o,
-                                      ConcordanceOutput &out, FileProblems &problems) {
-  const std::string bytes = in.load();
+std::pair<uint64_t, size_t> SearchOne(const Input &in, Matcher &matcher, const FastPlan *plan,
+                                      const SearchOptions &o, ConcordanceOutput &out,
+                                      FileProblems &problems) {
+  std::string bytes;
+  bool loaded = false;
+  std::pair<uint64_t, size_t> done;
+  if (plan && SearchFast(in, *plan, matcher, o, out, bytes, loaded, done)) return done;
+  if (!loaded) bytes = in.load();
   const TDecodedText decoded = DecodeText(bytes, o.given);
   FileCount file{in.name, decoded.Encoding.Name(), EvidenceText(decoded.Evidence, o.encodingGiven),
                  0};
@@ -166,29 +231,19 @@ std::pair<uint64_t, size_t> SearchOne(const Input &in, Matcher &matcher, const S
     problems.Note(in.name, "more than " + std::to_string(kMaxEmptyMatches) +
                                " empty matches; the rest of the text was not searched");
   if (found.size() > o.maxCount) found.resize(o.maxCount);
-  if (!found.empty() && !o.out.count) {
-    const std::u16string &text = decoded.Text;
-    Placer placer(text);
-    for (const MatchSpan &m : found) {
-      const Hit h = placer.Place(m.start, m.stop);
-      ConcordanceLine line =
-          MakeLine(text, h.start, h.stop, h.line, h.column, o.out.context, o.out.sort);
-      line.file = file.name;
-      line.encoding = file.encoding;
-      out.Add(std::move(line));
-    }
-  }
+  if (!o.out.count) Hand(decoded.Text, found, file, o, out);
   file.matches = found.size();
   out.FileDone(file);
   return {file.matches, bytes.size()};
 }
 
 // SearchOne, with a text that can't be had reported and counted as no match.
-std::pair<uint64_t, size_t> SearchOrReport(const Input &in, Matcher &matcher,
+std::pair<uint64_t, size_t> SearchOrReport(const Input &in, Matcher &matcher, const FastPlan *plan,
                                            const SearchOptions &o, ConcordanceOutput &out,
                                            FileProblems &problems) {
   std::pair<uint64_t, size_t> found{0, 0};
-  ReportingFailures(in.name, problems, [&] { found = SearchOne(in, matcher, o, out, problems); });
+  ReportingFailures(in.name, problems,
+                    [&] { found = SearchOne(in, matcher, plan, o, out, problems); });
   return found;
 }
 
@@ -199,6 +254,7 @@ int RunSearch(const Args &args) {
   std::vector<std::string> paths;
   const std::u16string pattern = TakePattern(args, o, paths);
   std::unique_ptr<Matcher> matcher = Matcher::Make(pattern, o.match);
+  const std::optional<FastPlan> plan = FastPlan::Make(pattern, o.match);
   FileProblems problems("search");
   SearchInputs sources({args.Value("files", "*.txt"), args.Has("recursive"),
                         args.Has("follow-links"), o.maxFileSize},
@@ -217,7 +273,7 @@ int RunSearch(const Args &args) {
   size_t withMatches = 0, done = 0;
   for (const Input &in : inputs) {
     if (InterruptGuard::Requested()) break;
-    const auto [n, bytes] = SearchOrReport(in, *matcher, o, out, problems);
+    const auto [n, bytes] = SearchOrReport(in, *matcher, plan ? &*plan : nullptr, o, out, problems);
     matches += n;
     withMatches += n > 0;
     ++done;
@@ -267,8 +323,10 @@ const CommandRegistration kSearch{Command{
     "                       masks separated by \";\" (default \"*.txt\")\n"
     "  --recursive          search the sub-folders of a folder too\n"
     "  --follow-links       enter links to folders (each folder is searched once)\n"
-    "  --max-file-size SIZE texts larger than SIZE bytes (K, M, G: powers of 1024)\n"
-    "                       are passed by with a note (default 1G)\n"
+    "  --max-file-size SIZE texts that must be read whole and are larger than SIZE\n"
+    "                       bytes (K, M, G: powers of 1024) are passed by with a note\n"
+    "                       (default 1G); a UTF-8 file searched for a pattern with a\n"
+    "                       literal part is read a block at a time, whatever its size\n"
     "  --max-count N        at most N matches per text\n"
     "  --report             after the matches, a line per file: matches and encoding\n"
     "  --words N            N words of context on each side instead of --width\n"

@@ -5,6 +5,8 @@
 
 #include <kestrel/kestrel.h>
 
+#include "FastSearch.h"
+
 namespace kestrel::cli {
 
 namespace {
@@ -58,6 +60,36 @@ std::string ReadFileLimited(const std::string &path, int64_t limit) {
   }
   FileClose(h);
   return bytes;
+}
+
+namespace {
+
+// A plain file, block after block through the platform's handle.
+class FileBlocks : public ByteSource {
+public:
+  explicit FileBlocks(THandle h) : h_(h) {}
+  ~FileBlocks() override { FileClose(h_); }
+  FileBlocks(const FileBlocks &) = delete;
+  FileBlocks &operator=(const FileBlocks &) = delete;
+
+  size_t Read(char *to, size_t n) override {
+    const int32_t got = FileRead(h_, to, static_cast<int32_t>(std::min<size_t>(n, 1 << 30)));
+    if (got < 0) throw InputFailed{SysErrorMessage(GetLastOSError())};
+    return static_cast<size_t>(got);
+  }
+
+private:
+  THandle h_;
+};
+
+} // namespace
+
+std::unique_ptr<ByteSource> OpenFileBlocks(const std::string &path) {
+  const std::string problem = FileProblem(path);
+  if (!problem.empty()) throw InputFailed{problem};
+  const THandle h = FileOpen(path, fmOpenRead | fmShareDenyNone);
+  if (h == INVALID_HANDLE_VALUE) throw InputFailed{SysErrorMessage(GetLastOSError())};
+  return std::make_unique<FileBlocks>(h);
 }
 
 // Reads members from one archive at a time, read once when its first
@@ -166,18 +198,23 @@ std::string ReadStandardInput(int64_t limit) {
   return bytes;
 }
 
+Input PlainFile(const std::string &path, int64_t limit) {
+  return {path, [path, limit] { return ReadFileLimited(path, limit); },
+          [path] { return OpenFileBlocks(path); }};
+}
+
 } // namespace
 
 void SearchInputs::Add(const std::string &path, std::vector<Input> &inputs) {
   const int64_t limit = options_.maxFileSize;
   if (path == "-")
-    inputs.push_back({"(standard input)", [limit] { return ReadStandardInput(limit); }});
+    inputs.push_back({"(standard input)", [limit] { return ReadStandardInput(limit); }, {}});
   else if (DirectoryExists(path))
     AddFolder(path, inputs);
   else if (IsAZipFile(path) && FileExists(path))
     AddArchive(path, inputs);
   else
-    inputs.push_back({path, [path, limit] { return ReadFileLimited(path, limit); }});
+    inputs.push_back(PlainFile(path, limit));
 }
 
 void SearchInputs::AddFound(const Collector &collector, std::vector<Input> &inputs) {
@@ -185,14 +222,15 @@ void SearchInputs::AddFound(const Collector &collector, std::vector<Input> &inpu
   for (const Collector::Found &f : collector.found) {
     const std::string name = f.rec.Name;
     if (f.rec.ZipNumber == 0) {
-      inputs.push_back({name, [name, limit] { return ReadFileLimited(name, limit); }});
+      inputs.push_back(PlainFile(name, limit));
       continue;
     }
     if (!members_) members_ = std::make_shared<MemberReader>(limit);
     auto reader = members_;
     const std::string archive = f.archive;
     const int32_t number = f.rec.ZipNumber;
-    inputs.push_back({name, [reader, archive, number] { return reader->Load(archive, number); }});
+    inputs.push_back(
+        {name, [reader, archive, number] { return reader->Load(archive, number); }, {}});
   }
 }
 

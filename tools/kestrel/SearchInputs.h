@@ -1,6 +1,7 @@
 // The texts that kestrel search reads: plain files and ZIP archive members
 // found by the folder scanner in folders and archives, and files named
-// outright. Every text is read whole into memory, up to a size limit; an
+// outright. A plain file can be read a block at a time (the fast search of
+// UTF-8 texts) or whole; what is read whole is bounded by a size limit. An
 // archive is read once for all its members, and nothing goes to disk.
 #pragma once
 
@@ -24,10 +25,14 @@ struct InputFailed {
   std::string why;
 };
 
-// One text to search: a name to show and a way to get its bytes.
+class ByteSource;
+
+// One text to search: a name to show and a way to get its bytes, whole
+// (up to the size limit) or, for plain files, a block at a time (open).
 struct Input {
   std::string name;
   std::function<std::string()> load;
+  std::function<std::unique_ptr<ByteSource>()> open; // empty but for plain files
 };
 
 class MemberReader;
@@ -67,6 +72,10 @@ bool ReportingFailures(const std::string &name, FileProblems &problems,
 // The bytes of an input into bytes; false, with the reason reported to
 // problems, when it can't be had.
 bool LoadOrReport(const Input &in, FileProblems &problems, std::string &bytes);
+
+// A plain file to read a block at a time; InputFailed with the system's
+// reason when it can't be opened or read.
+std::unique_ptr<ByteSource> OpenFileBlocks(const std::string &path);
 
 // The bytes of a plain file, read whole if it is no larger than limit;
 // InputSkipped past it, InputFailed with the system's reason.

@@ -1,0 +1,130 @@
+// The required-literal jump of TURELongestMatch: which patterns have one, and
+// that the scan with it finds exactly the matches of the scan without.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include <kestrel/search/URELongestMatch.h>
+
+namespace kestrel {
+namespace {
+
+using Matches = std::vector<TURELongestMatch::TMatch>;
+
+const TSearchFlags Exact{TSearchFlag::sfCaseSensitive};
+
+Matches Find(const std::u16string &pattern, const std::u16string &text, TSearchFlags flags,
+             bool literal, bool *used = nullptr) {
+  TURELongestMatch engine;
+  engine.SetLiteralFilter(literal);
+  engine.FindPrepare(pattern, flags);
+  engine.FindAll(text);
+  if (used != nullptr) *used = engine.UsesLiteralFilter();
+  return engine.Matches();
+}
+
+std::string Shown(const std::u16string &s) {
+  std::string out;
+  for (char16_t c : s)
+    out += c < 0x80 ? char(c) : '?';
+  return out;
+}
+
+TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
+  struct Row {
+    std::u16string pattern;
+    TSearchFlags flags;
+    bool used;
+  } rows[] = {
+      {u"language", Exact, true},
+      {u"[a-z]+ing", Exact, true},
+      {u"river", {}, true},               // folded: both cases are looked for
+      {u"(ab)*cdx+", Exact, true},        // the literal is "cd", after a repetition
+      {u"a", Exact, false},               // one character: the idle skip does it
+      {u"ab|cd", Exact, false},           // no literal common to the alternatives
+      {u"a?b", Exact, false},             // no run of two
+      {u"^ab", Exact, false},             // a zero-width test
+      {u"ab$", Exact, false},             // a zero-width test
+      {u"\\uD83D\\uDE00x", Exact, false}, // a pair is no plain unit
+      {u"kk", {}, false},                 // folded k is also the Kelvin sign: no probe
+      {u"kkz", {}, true},                 // but z is one
+  };
+  for (const Row &r : rows) {
+    TURELongestMatch engine;
+    engine.FindPrepare(r.pattern, r.flags);
+    EXPECT_EQ(engine.UsesLiteralFilter(), r.used) << Shown(r.pattern);
+  }
+  TURELongestMatch bounded;
+  bounded.FindPrepare(u"language", {TSearchFlag::sfCaseSensitive, TSearchFlag::sfLeftBounded});
+  EXPECT_FALSE(bounded.UsesLiteralFilter());
+  TURELongestMatch off;
+  off.SetLiteralFilter(false);
+  off.FindPrepare(u"language", Exact);
+  EXPECT_FALSE(off.UsesLiteralFilter());
+}
+
+TEST(URELongestMatchLiteral, FindsWhatTheScanWithoutItFinds) {
+  struct Row {
+    std::u16string pattern, text;
+    TSearchFlags flags;
+    Matches expected;
+  } rows[] = {
+      {u"[a-z]+ing", u"the driving fishing beginning", Exact, {{4, 11}, {12, 19}, {20, 29}}},
+      {u"x[a-z]*ing", u"aaaxbbing xing xin ing", Exact, {{3, 9}, {10, 14}}},
+      {u"aab", u"aaaab aab", Exact, {{2, 5}, {6, 9}}}, // overlapping occurrences
+      {u"river", u"RiVeR river rive", {}, {{0, 5}, {6, 11}}},
+      {u"kkz", u"\u212Akz kkZ kz", {}, {{0, 3}, {4, 7}}},
+      {u"[^ ]*ab", u"\U0001F600ab \U0001F600\U0001F600xab", Exact, {{0, 4}, {5, 12}}},
+      {u"ab[0-9]+", u"ab ab1 xab22", Exact, {{3, 6}, {8, 12}}},
+      // Near the end of the text, where the vector loads stop.
+      {u"yz", std::u16string(37, u'y') + u"z", Exact, {{36, 38}}},
+      {u"(c|d)*ab", std::u16string(40, u'c') + u"ab", Exact, {{0, 42}}},
+  };
+  for (const Row &r : rows) {
+    bool used = false;
+    const Matches with = Find(r.pattern, r.text, r.flags, true, &used);
+    EXPECT_TRUE(used) << Shown(r.pattern);
+    EXPECT_EQ(with, r.expected) << Shown(r.pattern);
+    EXPECT_EQ(with, Find(r.pattern, r.text, r.flags, false)) << Shown(r.pattern);
+  }
+}
+
+// Patterns of a part before, a literal and a part after, over texts of a few
+// letters in both cases, the Kelvin sign, an accent, a pair and line breaks:
+// the scan with the jump and the one without give the same matches.
+TEST(URELongestMatchLiteral, RandomPatternsAndTextsAgreeWithThePlainScan) {
+  std::mt19937 rng(18);
+  auto pick = [&](size_t n) {
+    return size_t(std::uniform_int_distribution<size_t>(0, n - 1)(rng));
+  };
+  const std::u16string parts[] = {u"",       u"[a-c]*", u"[^ ]+",  u"x?",     u"(ab|c)+",
+                                  u".*",     u"b",      u"[ak]+",  u"(a|xy)", u"[\u00e9a]*",
+                                  u"c{1,3}", u"[a-z]",  u"\\p11*", u"y*",     u"(b|)"};
+  const std::u16string literals[] = {u"ab", u"kz", u"abc", u"ca", u"xyx", u"\u00e9a", u"aa"};
+  const std::u16string units[] = {u"a",  u"b",          u"c",  u"x",      u"y",      u"z",
+                                  u"k",  u"A",          u"K",  u"\u212A", u"\u00e9", u" ",
+                                  u"\n", u"\U0001F600", u"ab", u"kz",     u"ca",     u"\u00c9a"};
+  int used = 0, cases = 0;
+  for (int i = 0; i < 400; ++i) {
+    const std::u16string pattern = parts[pick(std::size(parts))] +
+                                   literals[pick(std::size(literals))] +
+                                   parts[pick(std::size(parts))];
+    const TSearchFlags flags = pick(2) ? Exact : TSearchFlags{};
+    for (int t = 0; t < 4; ++t) {
+      std::u16string text;
+      for (size_t n = pick(120); n > 0; --n)
+        text += units[pick(std::size(units))];
+      bool on = false;
+      const Matches with = Find(pattern, text, flags, true, &on);
+      ASSERT_EQ(with, Find(pattern, text, flags, false)) << Shown(pattern) << " on " << Shown(text);
+      used += on;
+      ++cases;
+    }
+  }
+  EXPECT_GT(used, cases / 2); // the jump was taken in most of them
+}
+
+} // namespace
+} // namespace kestrel
