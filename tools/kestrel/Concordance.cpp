@@ -5,23 +5,11 @@
 #include <kestrel/unicode/CodePages.h>
 
 #include "Cli.h"
+#include "OutputFormats.h"
 #include "WordChars.h"
 
 namespace kestrel::cli {
 namespace {
-
-// Columns a character takes on a terminal: 0 for combining marks, 2 for
-// the wide East Asian ranges, 1 otherwise (controls show as one blank).
-int Columns(uint32_t c) {
-  if (c < 0x20) return 1;
-  if ((c >= 0x0300 && c <= 0x036F) || (c >= 0x20D0 && c <= 0x20FF) || c == 0x200B) return 0;
-  if ((c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
-      (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
-      (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) ||
-      (c >= 0xFFE0 && c <= 0xFFE6) || c >= 0x20000)
-    return 2;
-  return 1;
-}
 
 std::u16string Flatten(std::u16string s) {
   for (auto &c : s)
@@ -37,7 +25,7 @@ uint32_t StepBack(const std::u16string &t, uint32_t i) {
 int ColumnsOf(const std::u16string &t, uint32_t from, uint32_t to) {
   int n = 0;
   for (uint32_t i = from; i < to; i += static_cast<uint32_t>(UnitsAt(t, i)))
-    n += Columns(CodeAt(t, i));
+    n += TerminalColumns(CodeAt(t, i));
   return n;
 }
 
@@ -57,7 +45,7 @@ uint32_t LeftEdge(const std::u16string &t, uint32_t at, const ContextSpec &c) {
   int columns = 0;
   while (i > 0) {
     const uint32_t j = StepBack(t, i);
-    columns += Columns(CodeAt(t, j));
+    columns += TerminalColumns(CodeAt(t, j));
     if (columns > c.width) break;
     i = j;
   }
@@ -78,7 +66,7 @@ uint32_t RightEdge(const std::u16string &t, uint32_t at, const ContextSpec &c) {
   }
   int columns = 0;
   while (i < size) {
-    columns += Columns(CodeAt(t, i));
+    columns += TerminalColumns(CodeAt(t, i));
     if (columns > c.width) break;
     i += static_cast<uint32_t>(UnitsAt(t, i));
   }

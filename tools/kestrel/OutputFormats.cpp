@@ -32,9 +32,29 @@ std::string TsvField(const std::string &utf8) {
   return out;
 }
 
+int TerminalColumns(uint32_t c) {
+  if (c < 0x20) return 1;
+  if ((c >= 0x0300 && c <= 0x036F) || (c >= 0x20D0 && c <= 0x20FF) || c == 0x200B) return 0;
+  if ((c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
+      (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
+      (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) ||
+      (c >= 0xFFE0 && c <= 0xFFE6) || c >= 0x20000)
+    return 2;
+  return 1;
+}
+
 size_t DisplayWidth(const std::string &utf8) {
-  return static_cast<size_t>(
-      std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+  size_t columns = 0;
+  for (size_t i = 0; i < utf8.size();) {
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    const size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    uint32_t c = length == 1 ? lead : lead & (0x3F >> (length - 1));
+    for (size_t k = 1; k < length && i + k < utf8.size(); ++k)
+      c = (c << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
+    columns += static_cast<size_t>(TerminalColumns(c));
+    i += length;
+  }
+  return columns;
 }
 
 TableWriter::TableWriter(OutputFormat format, std::vector<Column> columns, std::FILE *out,

@@ -50,7 +50,11 @@ private:
   bool endLine_ = true;
 };
 
-// Columns that a UTF-8 string takes on a terminal (one per character).
+// Columns a character takes on a terminal: 0 for combining marks, 2 for
+// the wide East Asian ranges, 1 otherwise (controls show as one blank).
+int TerminalColumns(uint32_t c);
+
+// Columns that a UTF-8 string takes on a terminal.
 size_t DisplayWidth(const std::string &utf8);
 
 } // namespace kestrel::cli
