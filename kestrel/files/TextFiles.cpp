@@ -164,30 +164,9 @@ std::string TDecodedText::Description() const {
 bool IsValidUtf8(std::string_view Bytes) {
   const auto *s = reinterpret_cast<const uint8_t *>(Bytes.data());
   const size_t n = Bytes.size();
-  size_t i = 0;
-  while (i < n) {
-    const uint8_t b = s[i];
-    if (b < 0x80) {
-      ++i;
-      continue;
-    }
-    size_t len = 0;
-    uint8_t low = 0x80, high = 0xBF; // the range of the second byte
-    if (b >= 0xC2 && b <= 0xDF) {
-      len = 2;
-    } else if (b >= 0xE0 && b <= 0xEF) {
-      len = 3;
-      if (b == 0xE0) low = 0xA0;
-    } else if (b >= 0xF0 && b <= 0xF4) {
-      len = 4;
-      if (b == 0xF0) low = 0x90;
-      if (b == 0xF4) high = 0x8F;
-    } else {
-      return false;
-    }
-    if (i + len > n || s[i + 1] < low || s[i + 1] > high) return false;
-    for (size_t k = 2; k < len; ++k)
-      if (s[i + k] < 0x80 || s[i + k] > 0xBF) return false;
+  for (size_t i = 0; i < n;) {
+    const size_t len = Utf8SequenceAt(s, i, n);
+    if (len == 0) return false;
     i += len;
   }
   return true;

@@ -19,6 +19,7 @@
 // "utf-16" (little-endian), "utf-16le", "utf-16be".
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -63,6 +64,32 @@ std::u16string DecodeTextAs(std::string_view Bytes, const TTextEncoding &Encodin
 // Whether Bytes are well-formed UTF-8 (the three-byte forms of surrogate
 // halves, which the library's UTF-8 writer makes, count as well-formed).
 bool IsValidUtf8(std::string_view Bytes);
+
+// The length of the well-formed UTF-8 sequence at s[i] of n bytes, or 0 when
+// there is none there (IsValidUtf8's rules: no overlong forms, nothing above
+// U+10FFFF, surrogate halves allowed). Inline: scanners call it per sequence.
+inline size_t Utf8SequenceAt(const uint8_t *s, size_t i, size_t n) {
+  const uint8_t b = s[i];
+  if (b < 0x80) return 1;
+  size_t len = 0;
+  uint8_t low = 0x80, high = 0xBF; // the range of the second byte
+  if (b >= 0xC2 && b <= 0xDF) {
+    len = 2;
+  } else if (b >= 0xE0 && b <= 0xEF) {
+    len = 3;
+    if (b == 0xE0) low = 0xA0;
+  } else if (b >= 0xF0 && b <= 0xF4) {
+    len = 4;
+    if (b == 0xF0) low = 0x90;
+    if (b == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (i + len > n || s[i + 1] < low || s[i + 1] > high) return 0;
+  for (size_t k = 2; k < len; ++k)
+    if ((s[i + k] & 0xC0) != 0x80) return 0;
+  return len;
+}
 
 // The bytes of a whole file; raises EFOpenError when it cannot be read (a
 // folder, a missing file) and EReadError when reading fails.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include <kestrel/files/TextFiles.h>
 #include <kestrel/frame/platform/Processor.h>
 
 #if defined(__x86_64__)
@@ -13,31 +14,6 @@
 
 namespace kestrel::cli {
 namespace {
-
-// The length of the well-formed sequence at s[i], or 0 (IsValidUtf8's rules:
-// no overlong forms, nothing above U+10FFFF, surrogate halves allowed).
-size_t SequenceAt(const uint8_t *s, size_t i, size_t n) {
-  const uint8_t b = s[i];
-  if (b < 0x80) return 1;
-  size_t len = 0;
-  uint8_t low = 0x80, high = 0xBF;
-  if (b >= 0xC2 && b <= 0xDF) {
-    len = 2;
-  } else if (b >= 0xE0 && b <= 0xEF) {
-    len = 3;
-    if (b == 0xE0) low = 0xA0;
-  } else if (b >= 0xF0 && b <= 0xF4) {
-    len = 4;
-    if (b == 0xF0) low = 0x90;
-    if (b == 0xF4) high = 0x8F;
-  } else {
-    return 0;
-  }
-  if (i + len > n || s[i + 1] < low || s[i + 1] > high) return 0;
-  for (size_t k = 2; k < len; ++k)
-    if ((s[i + k] & 0xC0) != 0x80) return 0;
-  return len;
-}
 
 bool IsStrayControl(uint8_t b) {
   return b < 0x20 && !(b >= 0x08 && b <= 0x0D) && b != 0x1A && b != 0x1B;
@@ -52,7 +28,7 @@ bool SeparatorAt(const uint8_t *s, size_t i, size_t n) {
 // the next sequence starts, or SIZE_MAX for an ill-formed one.
 size_t ValidateUpTo(const uint8_t *s, size_t at, size_t to, size_t n) {
   while (at < to) {
-    const size_t len = SequenceAt(s, at, n);
+    const size_t len = Utf8SequenceAt(s, at, n);
     if (len == 0) return SIZE_MAX;
     at += len;
   }

@@ -95,36 +95,34 @@ const std::map<std::string, Command> &Commands() {
   return Registry();
 }
 
-std::string JsonString(const std::string &utf8) {
-  std::string out = "\"";
-  for (unsigned char c : utf8) {
-    switch (c) {
-    case '"':
-      out += "\\\"";
-      break;
-    case '\\':
-      out += "\\\\";
-      break;
-    case '\n':
+std::string EscapeControls(const std::string &text, bool json) {
+  std::string out;
+  for (unsigned char c : text) {
+    if (json && (c == '"' || c == '\\')) {
+      out += '\\';
+      out += static_cast<char>(c);
+    } else if (c == '\n') {
       out += "\\n";
-      break;
-    case '\r':
+    } else if (c == '\r') {
       out += "\\r";
-      break;
-    case '\t':
+    } else if (c == '\t') {
       out += "\\t";
-      break;
-    default:
-      if (c < 0x20) {
-        char buf[8];
+    } else if (c < 0x20 || c == 0x7F) {
+      char buf[8];
+      if (json)
         std::snprintf(buf, sizeof buf, "\\u%04x", c);
-        out += buf;
-      } else {
-        out += static_cast<char>(c);
-      }
+      else
+        std::snprintf(buf, sizeof buf, "\\x%02x", c);
+      out += buf;
+    } else {
+      out += static_cast<char>(c);
     }
   }
-  return out + "\"";
+  return out;
+}
+
+std::string JsonString(const std::string &utf8) {
+  return "\"" + EscapeControls(utf8, true) + "\"";
 }
 
 std::string Utf16ToUtf8Lossless(const std::u16string &text) {

@@ -56,7 +56,10 @@ struct CommandRegistration {
 };
 const std::map<std::string, Command> &Commands();
 
-// JSON helpers.
+// Text with its controls (and DEL) escaped: \n, \r, \t, else \u00XX for
+// JSON (which also escapes " and \) or \xXX for a name on one line.
+std::string EscapeControls(const std::string &text, bool json);
+// A JSON string literal.
 std::string JsonString(const std::string &utf8);
 std::string Utf16ToUtf8Lossless(const std::u16string &text); // lone halves as U+FFFD
 

@@ -10,30 +10,7 @@
 namespace kestrel::cli {
 
 std::string DisplayName(const std::string &name) {
-  std::string out;
-  for (unsigned char c : name) {
-    if (c >= 0x20 && c != 0x7F) {
-      out += static_cast<char>(c);
-      continue;
-    }
-    switch (c) {
-    case '\n':
-      out += "\\n";
-      break;
-    case '\r':
-      out += "\\r";
-      break;
-    case '\t':
-      out += "\\t";
-      break;
-    default: {
-      char hex[8];
-      std::snprintf(hex, sizeof hex, "\\x%02x", c);
-      out += hex;
-    }
-    }
-  }
-  return out;
+  return EscapeControls(name, false);
 }
 
 void FileProblems::Note(const std::string &name, const std::string &what) {
