@@ -53,11 +53,6 @@ void ToBytes(uint32_t page, const std::u16string &wide) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const uint8_t choice = in.Byte();

@@ -73,6 +73,19 @@ inline const std::string &PrivateFolder() {
 }
 
 // Writes bytes to a file, replacing it.
+// A file's bytes; empty when it can't be read.
+inline std::string FileBytes(const std::string &path) {
+  std::string bytes;
+  if (FILE *f = std::fopen(path.c_str(), "rb")) {
+    char buf[4096];
+    size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
+      bytes.append(buf, n);
+    std::fclose(f);
+  }
+  return bytes;
+}
+
 inline void WriteFile(const std::string &path, const std::string &bytes) {
   FILE *f = std::fopen(path.c_str(), "wb");
   if (!f) std::abort();
@@ -87,3 +100,10 @@ inline void WriteFile(const std::string &path, const std::string &bytes) {
 }
 
 } // namespace kestrel::fuzz
+
+// Each target is a program of its own: the library comes up once, before
+// the first input.
+extern "C" int LLVMFuzzerInitialize(int *, char ***) {
+  kestrel::fuzz::StartLibrary();
+  return 0;
+}

@@ -88,11 +88,6 @@ void WriteOne(const std::string &section, const std::string &key, const std::str
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const std::string file = PrivateFolder() + "/a.ini", copy = PrivateFolder() + "/b.ini";

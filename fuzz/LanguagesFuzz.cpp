@@ -38,11 +38,6 @@ bool KeepsItsSections(const TMKLanguages &languages) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string file = PrivateFolder() + "/languages.ini";
   const std::string copy = PrivateFolder() + "/again.ini";

@@ -16,11 +16,6 @@ std::string Saved(TFolderful &listing) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string bytes(reinterpret_cast<const char *>(data), size);
   TMemoryStream in;

@@ -36,24 +36,7 @@ bool Climbs(const std::string &name) {
   }
 }
 
-std::string FileBytes(const std::string &path) {
-  std::string bytes;
-  if (FILE *f = std::fopen(path.c_str(), "rb")) {
-    char buf[4096];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
-      bytes.append(buf, n);
-    std::fclose(f);
-  }
-  return bytes;
-}
-
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);

@@ -39,11 +39,6 @@ std::string MaskToken(uint8_t b, Input &in) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const std::string raw = in.Part();

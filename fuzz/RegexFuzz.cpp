@@ -33,11 +33,6 @@ void Longest(const std::u16string &pattern, TSearchFlags flags, const std::u16st
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const uint8_t options = in.Byte();

@@ -5,11 +5,6 @@
 using namespace kestrel;
 using namespace kestrel::fuzz;
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const uint8_t tool = in.Byte();

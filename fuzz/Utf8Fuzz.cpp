@@ -5,11 +5,6 @@
 using namespace kestrel;
 using namespace kestrel::fuzz;
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string bytes(reinterpret_cast<const char *>(data), size);
   // Exactly the input: a copy of its own, so a read past it is seen.

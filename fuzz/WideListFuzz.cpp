@@ -50,11 +50,6 @@ void LoadStreamed(const std::string &bytes) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const bool streamed = in.Byte() & 1;

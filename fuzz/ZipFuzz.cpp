@@ -60,11 +60,6 @@ void UnpackAll(TVCLUnZip &zip, const std::string &dest, bool recreateDirs) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  StartLibrary();
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input in(data, size);
   const bool recreateDirs = in.Byte() & 1;

@@ -1,5 +1,6 @@
 #include "RunKestrel.h"
 
+#include <cstdio>
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
@@ -40,6 +41,23 @@ KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &f
   run.out = ReadFileBytes(out);
   run.err = ReadFileBytes(err);
   return run;
+}
+
+ShellRun RunShell(const std::string &command) {
+  ShellRun run;
+  FILE *p = ::popen((command + " 2>&1").c_str(), "r");
+  if (!p) return run;
+  char buf[4096];
+  size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
+    run.out.append(buf, n);
+  const int status = ::pclose(p);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
+}
+
+ShellRun RunKestrelLine(const std::string &arguments) {
+  return RunShell(std::string(KESTREL_BINARY_DIR) + "/tools/kestrel " + arguments);
 }
 
 } // namespace kestrel::test

@@ -17,4 +17,14 @@ struct KestrelRun {
 KestrelRun RunKestrel(const std::vector<std::string> &args, const std::string &folder = "",
                       const std::string &input = "");
 
+// A shell command line run to its end: its exit code and what it wrote to
+// standard output and error, together.
+struct ShellRun {
+  int status = -1;
+  std::string out;
+};
+ShellRun RunShell(const std::string &command);
+// kestrel with the arguments as the shell splits them.
+ShellRun RunKestrelLine(const std::string &arguments);
+
 } // namespace kestrel::test

@@ -46,14 +46,10 @@ std::string Quoted(const std::string &s) {
 }
 
 int GrepCount(const std::string &options, const std::string &pattern, const std::string &file) {
-  const std::string command = "LC_ALL=C.UTF-8 grep -o " + options + " -e " + Quoted(pattern) + " " +
-                              Quoted(file) + " | wc -l";
-  FILE *p = ::popen(command.c_str(), "r");
-  if (!p) return -1;
-  int n = -1;
-  if (std::fscanf(p, "%d", &n) != 1) n = -1;
-  ::pclose(p);
-  return n;
+  const kestrel::test::ShellRun run =
+      kestrel::test::RunShell("LC_ALL=C.UTF-8 grep -o " + options + " -e " + Quoted(pattern) + " " +
+                              Quoted(file) + " | wc -l");
+  return run.status == 0 ? std::stoi(run.out) : -1;
 }
 
 // The TSV rows of --count: file, matches.

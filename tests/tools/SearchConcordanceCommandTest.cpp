@@ -8,28 +8,15 @@
 #include <sys/wait.h>
 #include <vector>
 
-#include "TestSupport.h"
+#include "support/RunKestrel.h"
+#include "support/TestSupport.h"
 
 namespace {
 
-struct Result {
-  int status;
-  std::string out;
-};
+using Result = kestrel::test::ShellRun;
 
 Result Search(const std::string &args) {
-  const std::string cmd =
-      std::string(KESTREL_BINARY_DIR) + "/tools/kestrel search " + args + " 2>&1";
-  Result r{-1, {}};
-  FILE *p = ::popen(cmd.c_str(), "r");
-  if (!p) return r;
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
-    r.out.append(buf, n);
-  const int status = ::pclose(p);
-  r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return r;
+  return kestrel::test::RunKestrelLine("search " + args);
 }
 
 // The given TSV column of every record after the header, joined by blanks.

@@ -18,30 +18,16 @@
 #include <unistd.h>
 #include <vector>
 
-#include "TestSupport.h"
+#include "support/RunKestrel.h"
+#include "support/TestSupport.h"
 
 namespace {
 
-struct Result {
-  int status;
-  std::string out;
-};
-
-Result RunShell(const std::string &command) {
-  Result r{-1, {}};
-  FILE *p = ::popen((command + " 2>&1").c_str(), "r");
-  if (!p) return r;
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0)
-    r.out.append(buf, n);
-  const int status = ::pclose(p);
-  r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return r;
-}
+using Result = kestrel::test::ShellRun;
+using kestrel::test::RunShell;
 
 Result Words(const std::string &args) {
-  return RunShell(std::string(KESTREL_BINARY_DIR) + "/tools/kestrel words " + args);
+  return kestrel::test::RunKestrelLine("words " + args);
 }
 
 std::vector<std::vector<std::string>> Split(const std::string &text, char sep) {

@@ -50,7 +50,7 @@ bool Has(const std::string &text, const std::string &part) {
 
 } // namespace
 
-TEST(SpecialFiles, AFifoIsRefusedWithoutWaitingForAWriter) {
+TEST(NonRegularFiles, AFifoIsRefusedWithoutWaitingForAWriter) {
   TempDir t;
   const std::string fifo = t / "pipe";
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0644), 0);
@@ -63,7 +63,7 @@ TEST(SpecialFiles, AFifoIsRefusedWithoutWaitingForAWriter) {
   EXPECT_EQ(GetLastOSError(), ENXIO);
 }
 
-TEST(SpecialFiles, ASocketIsRefusedAndADeviceOpens) {
+TEST(NonRegularFiles, ASocketIsRefusedAndADeviceOpens) {
   TempDir t;
   const std::string sock = t / "s.sock";
   int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
