@@ -11,6 +11,7 @@
 #include <immintrin.h>
 #endif
 
+#include <kestrel/frame/platform/Processor.h>
 #include <kestrel/search/URELiteralSearchInternal.h>
 #include <kestrel/search/URESearch.h>
 #include <kestrel/search/UREUtil.h>
@@ -237,10 +238,9 @@ const char16_t *FindStartAvx2(const char16_t *Run, const char16_t *End, const ui
   }
 }
 
-// Chosen while the library loads, before the CPU model may have been read.
+// Chosen while the library loads.
 TStartFinder ChooseStartFinder() {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") ? FindStartAvx2 : FindStartSse2;
+  return ProcessorRunsAvx2() ? FindStartAvx2 : FindStartSse2;
 }
 #else
 TStartFinder ChooseStartFinder() {

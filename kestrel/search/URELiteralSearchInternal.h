@@ -15,6 +15,7 @@
 #include <immintrin.h>
 #endif
 
+#include <kestrel/frame/platform/Processor.h>
 #include <kestrel/search/URESearch.h>
 
 namespace kestrel {
@@ -141,10 +142,7 @@ __attribute__((target("avx2"))) const char16_t *Avx2(const char16_t *&Run, const
 }
 
 // Chosen once, as the other vector ways of the library are.
-inline const bool HaveAvx2 = [] {
-  __builtin_cpu_init();
-  return __builtin_cpu_supports("avx2") != 0;
-}();
+inline const bool HaveAvx2 = ProcessorRunsAvx2();
 #endif
 
 } // namespace probe
