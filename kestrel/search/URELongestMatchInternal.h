@@ -105,8 +105,12 @@ struct TPair {
 class TTerms {
 public:
   static constexpr uint32_t EmptyTerm = 0;
-  // Refused beyond this many terms: the pattern is too large.
+  // Refused beyond this many terms, or this many entries over all linear
+  // forms (stacked bounds such as a{,23}{,23}{,23}{,23} keep the terms few
+  // but make the forms grow with the square of the positions): the pattern
+  // is too large.
   static constexpr uint32_t MaxTerms = 1u << 22;
+  static constexpr size_t MaxPairs = size_t(1) << 23;
 
   TTerms();
   uint32_t Make(TTermKind Kind, uint32_t A, uint32_t B = 0);
@@ -126,6 +130,7 @@ private:
   std::unordered_map<uint64_t, uint32_t> FIndex;
   std::deque<std::vector<TPair>> FPairs; // by term; a deque keeps references
   std::vector<uint8_t> FReady;
+  size_t FPairCount = 0;
 };
 
 // ------------------------------------------------------------------- states

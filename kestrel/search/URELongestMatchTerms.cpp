@@ -173,6 +173,8 @@ void TTerms::ComputePairs(uint32_t Term) {
     }
     std::sort(out.begin(), out.end());
     out.erase(std::unique(out.begin(), out.end()), out.end());
+    FPairCount += out.size();
+    if (FPairCount > MaxPairs) throw TTooManyTerms();
     FPairs[t] = std::move(out);
     FReady[t] = 1;
     stack.pop_back();

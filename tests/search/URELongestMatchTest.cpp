@@ -163,6 +163,22 @@ TEST(LongestMatch, BadPatternsRaiseTheParsersTexts) {
   EXPECT_THROW(engine.FindPrepare(u"()", Exact), Exception);
 }
 
+// Stacked bounds keep the terms few but make the linear forms grow with the
+// square of the positions (23^4 of them here): refused, and quickly.
+TEST(LongestMatch, StackedBoundsAreRefusedQuickly) {
+  for (const char16_t *pattern : {u"a{,23}{,23}{,23}{,23}", u"[a-z}]{,23}{,23}{,23}{,23}"}) {
+    TURELongestMatch engine;
+    const auto start = std::chrono::steady_clock::now();
+    try {
+      engine.FindPrepare(pattern, Exact);
+      ADD_FAILURE() << "compiled";
+    } catch (const Exception &e) {
+      EXPECT_NE(e.Message().find("Expression too large"), std::string::npos) << e.Message();
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+  }
+}
+
 TEST(LongestMatch, PatternsTooLargeForTheOnePassAutomatonWork) {
   // About two million states for a full determinization: the lazy one makes
   // only those the text needs.
