@@ -383,18 +383,6 @@ TEST(WideStringList, SortRules) {
   EXPECT_EQ(ItemsOf(repeats), (Lines{u"a", u"b", u"c"}));
 }
 
-TEST(WideStringList, QuickSortOrdersManyItems) {
-  List list;
-  for (int i = 0; i < 500; ++i) {
-    std::string w = std::to_string((i * 7919) % 1000);
-    list.Add(u"w" + std::u16string(w.begin(), w.end()));
-  }
-  list.Sort();
-  ASSERT_EQ(list.GetCount(), 500);
-  for (int32_t i = 1; i < list.GetCount(); ++i)
-    EXPECT_LE(WideCompareText(list.Get(i - 1), list.Get(i), kEnglish), 0) << i;
-}
-
 TEST(WideStringList, SetLanguageResortsASortedList) {
   List list({u"z", u"\u00E4r", u"ar"}), unsorted({u"z", u"\u00E4r", u"ar"});
   list.SetLanguage(kGerman);

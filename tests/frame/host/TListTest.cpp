@@ -47,6 +47,7 @@ TEST(TList, BadIndexesRaiseWithTheIndexInTheMessage) {
     l->Add(P(1));
     const std::tuple<std::function<void()>, const char *, int> calls[] = {
         {[&] { l->Get(-1); }, Consts::SListIndexError, -1},
+        {[&] { l->Get(1); }, Consts::SListIndexError, 1},
         {[&] { l->Put(1, nullptr); }, Consts::SListIndexError, 1},
         {[&] { l->Delete(1); }, Consts::SListIndexError, 1},
         {[&] { l->Exchange(0, 1); }, Consts::SListIndexError, 1},
