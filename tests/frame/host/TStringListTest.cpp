@@ -50,10 +50,15 @@ TEST(TStringList, BadIndexesAndPlacedWritesToSortedListsRaise) {
   l.Add("x");
   const std::pair<std::function<void()>, std::string> calls[] = {
       {[&] { l.Get(-1); }, "List index out of bounds (-1)"},
+      {[&] { l.Get(1); }, "List index out of bounds (1)"},
       {[&] { l.Delete(1); }, "List index out of bounds (1)"},
       {[&] { l.Insert(2, "y"); }, "List index out of bounds (2)"},
       {[&] { l.PutObject(1, nullptr); }, "List index out of bounds (1)"},
-      {[&] { l.SetSorted(true), l.Insert(0, "b"); }, Consts::SSortedListError},
+      {[&] {
+         l.SetSorted(true);
+         l.Insert(0, "b");
+       },
+       Consts::SSortedListError},
       {[&] { l.Put(0, "b"); }, Consts::SSortedListError}};
   for (const auto &[call, message] : calls) {
     try {
