@@ -73,13 +73,11 @@ TEST(UREAutomaton, StateCountsOfSmallPatterns) {
   }
 }
 
-TEST(UREAutomaton, StarIsOneAcceptingStateLoopingOnItself) {
-  EXPECT_EQ(DescribePattern(u"a*"), "0*: 0>0;");
+TEST(UREAutomaton, TablesOfSmallPatterns) {
+  EXPECT_EQ(DescribePattern(u"a*"), "0*: 0>0;"); // one accepting state looping on itself
   EXPECT_EQ(DescribePattern(u"ab"), "0: 0>1;1: 1>2;2*:;");
-}
-
-TEST(UREAutomaton, MergedStatesAreRenumberedWithoutGaps) {
-  // Behind a and behind d the states are first apart, then merged.
+  // Behind a and behind d the states are first apart, then merged and
+  // renumbered without gaps.
   EXPECT_EQ(DescribePattern(u"a(b|c)|d(c|b)"), "0: 0>1 3>1;1: 1>2 2>2;2*:;");
 }
 
@@ -148,12 +146,6 @@ TEST(UREAutomaton, TheParseBufferKeepsItsExpressionsUntilTheNextCompile) {
   EXPECT_EQ(engine.GetUREBuffer().ExpressionList.ExpressionsUsed, 0u);
   EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
 }
-
-} // namespace
-} // namespace kestrel::test
-
-namespace kestrel::test {
-namespace {
 
 // A bound is the alternative of its spelled-out sequences, as the pattern
 // would be written by hand: both give the same automaton, state by state.

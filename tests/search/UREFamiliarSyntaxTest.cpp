@@ -13,20 +13,16 @@
 #include <kestrel/search/WordBounds.h>
 #include <kestrel/unicode/Unicode.h>
 
+#include "URETestHelpers.h"
+
 namespace kestrel {
 namespace {
 
-using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+using test::Pairs;
 
 Pairs Find(const std::u16string &familiar, const std::u16string &text, bool fold) {
-  TURELongestMatch engine;
-  engine.FindPrepare(TranslateFamiliarSyntax(familiar, fold),
-                     fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
-  engine.FindAll(text);
-  Pairs out;
-  for (const auto &m : engine.Matches())
-    out.emplace_back(m.Start, m.Stop);
-  return out;
+  return test::LongestMatches(TranslateFamiliarSyntax(familiar, fold), text,
+                              fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
 }
 
 struct Found {

@@ -8,6 +8,8 @@
 
 #include <kestrel/search/URELongestMatch.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel {
 namespace {
 
@@ -23,13 +25,6 @@ Matches Find(const std::u16string &pattern, const std::u16string &text, TSearchF
   engine.FindAll(text);
   if (used != nullptr) *used = engine.UsesLiteralFilter();
   return engine.Matches();
-}
-
-std::string Shown(const std::u16string &s) {
-  std::string out;
-  for (char16_t c : s)
-    out += c < 0x80 ? char(c) : '?';
-  return out;
 }
 
 TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
@@ -50,15 +45,13 @@ TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
       {u"\\uD83D\\uDE00x", Exact, false}, // a pair is no plain unit
       {u"kk", {}, false},                 // folded k is also the Kelvin sign: no probe
       {u"kkz", {}, true},                 // but z is one
+      {u"language", {TSearchFlag::sfCaseSensitive, TSearchFlag::sfLeftBounded}, false},
   };
   for (const Row &r : rows) {
     TURELongestMatch engine;
     engine.FindPrepare(r.pattern, r.flags);
-    EXPECT_EQ(engine.UsesLiteralFilter(), r.used) << Shown(r.pattern);
+    EXPECT_EQ(engine.UsesLiteralFilter(), r.used) << test::Show(r.pattern);
   }
-  TURELongestMatch bounded;
-  bounded.FindPrepare(u"language", {TSearchFlag::sfCaseSensitive, TSearchFlag::sfLeftBounded});
-  EXPECT_FALSE(bounded.UsesLiteralFilter());
   TURELongestMatch off;
   off.SetLiteralFilter(false);
   off.FindPrepare(u"language", Exact);
@@ -85,9 +78,9 @@ TEST(URELongestMatchLiteral, FindsWhatTheScanWithoutItFinds) {
   for (const Row &r : rows) {
     bool used = false;
     const Matches with = Find(r.pattern, r.text, r.flags, true, &used);
-    EXPECT_TRUE(used) << Shown(r.pattern);
-    EXPECT_EQ(with, r.expected) << Shown(r.pattern);
-    EXPECT_EQ(with, Find(r.pattern, r.text, r.flags, false)) << Shown(r.pattern);
+    EXPECT_TRUE(used) << test::Show(r.pattern);
+    EXPECT_EQ(with, r.expected) << test::Show(r.pattern);
+    EXPECT_EQ(with, Find(r.pattern, r.text, r.flags, false)) << test::Show(r.pattern);
   }
 }
 
@@ -118,7 +111,8 @@ TEST(URELongestMatchLiteral, RandomPatternsAndTextsAgreeWithThePlainScan) {
         text += units[pick(std::size(units))];
       bool on = false;
       const Matches with = Find(pattern, text, flags, true, &on);
-      ASSERT_EQ(with, Find(pattern, text, flags, false)) << Shown(pattern) << " on " << Shown(text);
+      ASSERT_EQ(with, Find(pattern, text, flags, false))
+          << test::Show(pattern) << " on " << test::Show(text);
       used += on;
       ++cases;
     }

@@ -10,24 +10,14 @@
 #include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
+#include "URETestHelpers.h"
+
 namespace kestrel {
 namespace {
 
-using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
-
-Pairs Of(const TURELongestMatch &engine) {
-  Pairs out;
-  for (const auto &m : engine.Matches())
-    out.emplace_back(m.Start, m.Stop);
-  return out;
-}
-
-Pairs FindAll(const std::u16string &pattern, const std::u16string &text, TSearchFlags flags) {
-  TURELongestMatch engine;
-  engine.FindPrepare(pattern, flags);
-  engine.FindAll(text);
-  return Of(engine);
-}
+using test::LongestMatches;
+using test::Pairs;
+using test::PairsOf;
 
 const TSearchFlags Exact{TSearchFlag::sfCaseSensitive};
 const TSearchFlags Folded{};
@@ -45,7 +35,7 @@ class LongestMatchCases : public ::testing::TestWithParam<Case> {};
 
 TEST_P(LongestMatchCases, FindsEveryMatch) {
   const Case &c = GetParam();
-  EXPECT_EQ(FindAll(c.pattern, c.text, c.flags), c.expected);
+  EXPECT_EQ(LongestMatches(c.pattern, c.text, c.flags), c.expected);
 }
 
 // clang-format off
@@ -90,20 +80,6 @@ INSTANTIATE_TEST_SUITE_P(Matches, LongestMatchCases, ::testing::Values(
     // (U+10400 is no letter in the character database, which predates it.)
     Case{u"\\p10", u"\U00010400A", Words, {{2, 3}}}));
 // clang-format on
-
-TEST(LongestMatch, TheOnePassEngineAnswersDifferently) {
-  // The same pattern in both engines: the one-pass automaton lets the later
-  // symbol win and never retries a start, so it finds only "hing".
-  const std::u16string text = u"the driving fishing beginning";
-  TURESearch onePass;
-  onePass.FindPrepare(u"[a-z]+ing", Exact);
-  ASSERT_TRUE(onePass.FindAll(text));
-  ASSERT_EQ(onePass.GetCount(), 1u);
-  int32_t s = 0, e = 0;
-  onePass.GetResult(0, s, e);
-  EXPECT_EQ(std::make_pair(s, e), std::make_pair(15, 19));
-  EXPECT_EQ(FindAll(u"[a-z]+ing", text, Exact).size(), 3u);
-}
 
 TEST(LongestMatch, ResultsGoToTheResultListToo) {
   TURELongestMatch engine;
@@ -191,7 +167,7 @@ TEST(LongestMatch, PatternsTooLargeForTheOnePassAutomatonWork) {
   text += u"c";
   text += std::u16string(25, u'a');
   // The greedy loop eats everything up to 21 before the c, then 21 at the end.
-  EXPECT_EQ(FindAll(pattern, text, Exact), (Pairs{{0, 3000}, {3001, 3026}}));
+  EXPECT_EQ(LongestMatches(pattern, text, Exact), (Pairs{{0, 3000}, {3001, 3026}}));
 }
 
 TEST(LongestMatch, AnEmptiedCacheGivesTheSameAnswers) {
@@ -208,7 +184,7 @@ TEST(LongestMatch, AnEmptiedCacheGivesTheSameAnswers) {
     small.SetCacheLimit(256);
     big.FindAll(text);
     small.FindAll(text);
-    EXPECT_EQ(Of(small), Of(big)) << std::string(pattern, pattern + 4);
+    EXPECT_EQ(PairsOf(small), PairsOf(big)) << std::string(pattern, pattern + 4);
     EXPECT_GT(small.CacheFlushes(), 0u);
     EXPECT_EQ(big.CacheFlushes(), 0u);
   }

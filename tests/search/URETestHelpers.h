@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
 #include "support/TestSupport.h"
@@ -57,6 +58,44 @@ inline bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
     }
   }
   return true;
+}
+
+// Every match as FindAll takes them, by the accelerated scan or the plain one:
+// after an empty match the next scan starts a character further on.
+inline Matches ScanAll(TURESearch &engine, const std::u16string &text, bool plain) {
+  Matches out;
+  const uint32_t len = uint32_t(text.size());
+  uint32_t run = 0, s = 0, e = 0;
+  while (plain ? engine.ExecuteUREPlain(0, text.data() + run, len - run, s, e)
+               : engine.ExecuteURE(0, text.data() + run, len - run, s, e)) {
+    out.emplace_back(run + s, run + e);
+    run += e;
+    if (e > 0) continue;
+    if (run == len) break;
+    run += run + 1 < len && IsHighSurrogateUnit(text[run]) && IsLowSurrogateUnit(text[run + 1])
+               ? 2
+               : 1;
+  }
+  return out;
+}
+
+// The leftmost-longest engine's matches as start and stop pairs.
+using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+
+inline Pairs PairsOf(const TURELongestMatch &engine) {
+  Pairs out;
+  for (const auto &m : engine.Matches())
+    out.emplace_back(m.Start, m.Stop);
+  return out;
+}
+
+inline Pairs LongestMatches(const std::u16string &pattern, const std::u16string &text,
+                            TSearchFlags flags, size_t cacheLimit = 8u << 20) {
+  TURELongestMatch engine;
+  engine.SetCacheLimit(cacheLimit);
+  engine.FindPrepare(pattern, flags);
+  engine.FindAll(text);
+  return PairsOf(engine);
 }
 
 } // namespace kestrel::test
