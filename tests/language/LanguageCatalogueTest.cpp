@@ -188,7 +188,8 @@ TEST_F(Catalogue, ARoundTripOfTheFileKeepsEveryField) {
   fixed_lang_details_rec english = Language("English");
   english.AllowExtraToEndOfWord = true;
   english.SortLCID = 0x0809;
-  english.WinFontCharset = 0;
+  english.WinFontCharset = 238;
+  english.DosCodepage = 852;
   english.WinFontSize = 12;
   english.WinFontName = " Padded Font ";
   english.Preference = lang_preference_type::a_preferida;

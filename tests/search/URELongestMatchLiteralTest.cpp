@@ -58,32 +58,6 @@ TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
   EXPECT_FALSE(off.UsesLiteralFilter());
 }
 
-TEST(URELongestMatchLiteral, FindsWhatTheScanWithoutItFinds) {
-  struct Row {
-    std::u16string pattern, text;
-    TSearchFlags flags;
-    Matches expected;
-  } rows[] = {
-      {u"[a-z]+ing", u"the driving fishing beginning", Exact, {{4, 11}, {12, 19}, {20, 29}}},
-      {u"x[a-z]*ing", u"aaaxbbing xing xin ing", Exact, {{3, 9}, {10, 14}}},
-      {u"aab", u"aaaab aab", Exact, {{2, 5}, {6, 9}}}, // overlapping occurrences
-      {u"river", u"RiVeR river rive", {}, {{0, 5}, {6, 11}}},
-      {u"kkz", u"\u212Akz kkZ kz", {}, {{0, 3}, {4, 7}}},
-      {u"[^ ]*ab", u"\U0001F600ab \U0001F600\U0001F600xab", Exact, {{0, 4}, {5, 12}}},
-      {u"ab[0-9]+", u"ab ab1 xab22", Exact, {{3, 6}, {8, 12}}},
-      // Near the end of the text, where the vector loads stop.
-      {u"yz", std::u16string(37, u'y') + u"z", Exact, {{36, 38}}},
-      {u"(c|d)*ab", std::u16string(40, u'c') + u"ab", Exact, {{0, 42}}},
-  };
-  for (const Row &r : rows) {
-    bool used = false;
-    const Matches with = Find(r.pattern, r.text, r.flags, true, &used);
-    EXPECT_TRUE(used) << test::Show(r.pattern);
-    EXPECT_EQ(with, r.expected) << test::Show(r.pattern);
-    EXPECT_EQ(with, Find(r.pattern, r.text, r.flags, false)) << test::Show(r.pattern);
-  }
-}
-
 // Patterns of a part before, a literal and a part after, over texts of a few
 // letters in both cases, the Kelvin sign, an accent, a pair and line breaks:
 // the scan with the jump and the one without give the same matches.
