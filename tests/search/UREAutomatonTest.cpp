@@ -134,19 +134,6 @@ TEST(UREAutomaton, NoTwoStatesBehaveAlikeAfterMerging) {
   }
 }
 
-TEST(UREAutomaton, TheParseBufferKeepsItsExpressionsUntilTheNextCompile) {
-  TURESearch engine;
-  engine.FindPrepare(u"ab", CaseSensitive());
-  const TUREBuffer &b = engine.GetUREBuffer();
-  EXPECT_GT(b.ExpressionList.ExpressionsUsed, 0u);
-  EXPECT_FALSE(b.Reducing);
-  EXPECT_EQ(b.Stack.ListUsed, 0);
-  EXPECT_EQ(b.SymbolTable.SymbolsUsed, 0u); // moved to the automaton
-  engine.Clear();
-  EXPECT_EQ(engine.GetUREBuffer().ExpressionList.ExpressionsUsed, 0u);
-  EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
-}
-
 // A bound is the alternative of its spelled-out sequences, as the pattern
 // would be written by hand: both give the same automaton, state by state.
 TEST(UREAutomaton, BoundsEqualTheirSpelledOutAlternatives) {

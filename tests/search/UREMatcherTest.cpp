@@ -203,16 +203,19 @@ TEST(UREMatcher, MatchesPropertiesReadsEachBitsCategory) {
   EXPECT_TRUE(engine.MatchesProperties(0xFFFFFFFF, u'Q'));
 }
 
-TEST(UREMatcher, ResultsLastUntilTheNextFindOrClear) {
+TEST(UREMatcher, TheParseAndTheResultsLastUntilTheNextCompileOrClear) {
   TURESearch engine;
   engine.FindPrepare(u"b", CaseSensitive());
-  ASSERT_TRUE(engine.FindAll(u"abcb"));
-  EXPECT_EQ(engine.GetCount(), 2u);
-  EXPECT_FALSE(engine.FindAll(u"xyz"));
-  EXPECT_EQ(engine.GetCount(), 0u);
-  engine.FindAll(u"b");
+  const TUREBuffer &b = engine.GetUREBuffer();
+  EXPECT_GT(b.ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_FALSE(b.Reducing);
+  EXPECT_EQ(b.Stack.ListUsed, 0);
+  EXPECT_EQ(b.SymbolTable.SymbolsUsed, 0u); // moved to the automaton
+  ASSERT_TRUE(engine.FindAll(u"b"));
   engine.Clear();
   EXPECT_EQ(engine.GetCount(), 0u);
+  EXPECT_EQ(b.ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
   EXPECT_FALSE(engine.FindAll(u"b"));
 }
 

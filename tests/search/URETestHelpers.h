@@ -72,8 +72,9 @@ inline Matches ScanAll(TURESearch &engine, const std::u16string &text, bool plai
     run += e;
     if (e > 0) continue;
     if (run == len) break;
-    run += run + 1 < len && IsHighSurrogateUnit(text[run]) && IsLowSurrogateUnit(text[run + 1]) ? 2
-                                                                                                : 1;
+    const bool pair =
+        run + 1 < len && IsHighSurrogateUnit(text[run]) && IsLowSurrogateUnit(text[run + 1]);
+    run += pair ? 2 : 1;
   }
   return out;
 }
