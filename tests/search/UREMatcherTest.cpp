@@ -31,8 +31,9 @@ void Check(const MatchCase cases[], size_t n) {
   }
 }
 
-TEST(UREMatcher, OnePassWithoutRewinding) {
+TEST(UREMatcher, FindAll) {
   const MatchCase cases[] = {
+      // One pass without rewinding.
       {u"ab", u"xab", {{1, 3}}},
       {u"ab", u"aab", {}}, // the second a fails behind the first and is not tried again
       {u"ab", u"abab", {{0, 2}, {2, 4}}},
@@ -45,40 +46,27 @@ TEST(UREMatcher, OnePassWithoutRewinding) {
       {u"a+", u"baaab", {{1, 4}}},
       {u"a|b", u"abc", {{0, 1}, {1, 2}}},
       {u"colou?r", u"color colour", {{0, 5}, {6, 12}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, TheLaterSymbolWinsWhereTwoOverlap) {
-  const MatchCase cases[] = {
+      // The later symbol wins where two overlap.
       {u"ab|.c", u"ab", {}},
       {u"ab|.c", u"ac", {{0, 2}}},
       {u".b|ab", u"ab", {{0, 2}}},
       {u"[a-z]x|q", u"qx", {{0, 1}}}, // q stands later in the table and is taken
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, LineAnchors) {
-  const MatchCase cases[] = {{u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
-                             {u"^a", u"b\na", {{2, 3}}},
-                             {u"^a", u"\na", {}},
-                             {u"^a", u"b\r\na", {{3, 4}}},
-                             {u"^a", u"b\u2028a", {{2, 3}}},
-                             {u"a$", u"a\nb", {{0, 1}}},
-                             {u"a$", u"a", {{0, 1}}},
-                             {u"a$", u"a\n", {{0, 2}}},
-                             {u"a$", u"a\r\nb", {{0, 1}}},
-                             {u"a$", u"a\r\n", {{0, 3}}},
-                             {u"a$", u"a\u2029", {{0, 2}}},
-                             {u"b$", u"ab", {{1, 2}}},
-                             {u"$", u"ab", {}},
-                             {u"a$b", u"a\nb", {{0, 3}}}};
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, DotClassesAndPairs) {
-  const MatchCase cases[] = {
+      // Line anchors; CR LF is one break.
+      {u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
+      {u"^a", u"b\na", {{2, 3}}},
+      {u"^a", u"\na", {}},
+      {u"^a", u"b\r\na", {{3, 4}}},
+      {u"^a", u"b\u2028a", {{2, 3}}},
+      {u"a$", u"a\nb", {{0, 1}}},
+      {u"a$", u"a", {{0, 1}}},
+      {u"a$", u"a\n", {{0, 2}}},
+      {u"a$", u"a\r\nb", {{0, 1}}},
+      {u"a$", u"a\r\n", {{0, 3}}},
+      {u"a$", u"a\u2029", {{0, 2}}},
+      {u"b$", u"ab", {{1, 2}}},
+      {u"$", u"ab", {}},
+      {u"a$b", u"a\nb", {{0, 3}}},
+      // The dot, classes, properties and surrogate pairs.
       {u".", u"\u2028", {}},
       {u".", u"\n\r", {}},
       {u".", u"\U0001D400", {{0, 2}}},
@@ -100,12 +88,7 @@ TEST(UREMatcher, DotClassesAndPairs) {
       {u"[a\\P1]", u"\u0301", {{0, 1}}}, // but it matches the bidirectional bit
       {u"[a\\p3\\p5]", u"a5 ", {{0, 1}, {2, 3}}},
       {u"[a\\p5:digit:]", u"a5 x", {{0, 1}, {1, 2}, {2, 3}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, CaseFolding) {
-  const MatchCase cases[] = {
+      // Case folding.
       {u"[A-C]x", u"bX", {{0, 2}}, true},
       {u"[a-c]X", u"bX", {{0, 2}}, true},
       {u"[A-C]x", u"bX", {}, false},
@@ -116,13 +99,7 @@ TEST(UREMatcher, CaseFolding) {
       // capitals without a small form.
       {u"\\p10", u"Aa\u03d2", {{2, 3}}, true},
       {u"\\p10", u"Aa\u03d2", {{0, 1}, {2, 3}}, false},
-  };
-  Check(cases, std::size(cases));
-}
-
-// The decisions where the rules leave a choice.
-TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
-  const MatchCase cases[] = {
+      // An empty match is kept and stepped over, where the rules leave a choice.
       {u"^", u"ab", {{0, 0}, {1, 1}, {2, 2}}},
       {u"^$", u"", {{0, 0}}},
       {u"^$", u"a", {}},
@@ -131,12 +108,7 @@ TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
       {u"a*", u"", {}},
       // An empty match further in moves the search only to its end.
       {u"^|ab", u"ac\nab", {{3, 3}, {3, 5}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, AStartAnchorLoopingOnItselfEnds) {
-  const MatchCase cases[] = {
+      // A start anchor looping on itself ends.
       {u"(^)*", u"ab", {{0, 1}, {1, 2}, {2, 2}}},
       {u"(^|a)+", u"ab", {{0, 1}, {1, 1}}},
       {u"(^|a)+", u"b", {{0, 0}}},
