@@ -79,7 +79,8 @@ TEST(UREMatcher, FindAll) {
       {u"[]a]", u"]ab", {{0, 1}, {1, 2}}},
       {u"[xa-]", u"xa-", {{0, 1}}},
       {u"[z-a]", u"m", {{0, 1}}},
-      {u"[[:digit:]]", u"5]", {{0, 2}}},
+      {u"[[:digit:]]", u"x[]5]]", {{1, 3}, {3, 5}}}, // a class of [ and digits, then ]
+      {u"\\x00415", u"xA5A", {{1, 3}}},              // hex escapes read four digits at most
       {u"[:space:]", u"a\t b\uFEFF", {{1, 2}, {2, 3}, {4, 5}}},
       {u"[:xdigit:]+", u"xBeEf9g", {{1, 6}}},
       {u"\\p3+", u"a12b\u0663", {{1, 3}, {4, 5}}},

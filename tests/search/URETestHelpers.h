@@ -18,15 +18,6 @@ inline TSearchFlags CaseSensitive() {
   return TSearchFlags{TSearchFlag::sfCaseSensitive};
 }
 
-// FindAll of a pattern over a text (case-sensitive unless fold).
-inline Matches FindAllOf(const std::u16string &pattern, const std::u16string &text,
-                         bool fold = false) {
-  TURESearch engine;
-  engine.FindPrepare(pattern, fold ? TSearchFlags{} : CaseSensitive());
-  engine.FindAll(text);
-  return ResultsOf(engine);
-}
-
 // The message a pattern raises, or "" when it compiles.
 inline std::string CompileError(const std::u16string &pattern, bool fold = false) {
   TURESearch engine;
