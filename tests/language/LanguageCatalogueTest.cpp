@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
 
 #include "support/FileSizeLimit.h"
 #include "support/TestSupport.h"

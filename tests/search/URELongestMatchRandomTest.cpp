@@ -5,7 +5,6 @@
 // expression by the definition.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 #include <random>
 #include <set>

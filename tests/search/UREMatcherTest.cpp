@@ -16,21 +16,6 @@ struct MatchCase {
   bool fold = false;
 };
 
-std::string Name(const MatchCase &c) {
-  return Show(c.pattern) + " on " + Show(c.text);
-}
-
-void Check(const MatchCase cases[], size_t n) {
-  for (size_t i = 0; i < n; ++i) {
-    const MatchCase &c = cases[i];
-    TURESearch engine;
-    engine.FindPrepare(c.pattern, c.fold ? TSearchFlags{} : CaseSensitive());
-    bool any = engine.FindAll(c.text);
-    EXPECT_EQ(ResultsOf(engine), c.expected) << Name(c);
-    EXPECT_EQ(any, !c.expected.empty()) << Name(c);
-  }
-}
-
 TEST(UREMatcher, FindAll) {
   const MatchCase cases[] = {
       // One pass without rewinding.
@@ -116,7 +101,14 @@ TEST(UREMatcher, FindAll) {
       {u"^^a", u"a", {{0, 1}}}, // a chain of anchors is no loop
       {u"(^a|b)+", u"abab", {{0, 2}, {2, 4}}},
   };
-  Check(cases, std::size(cases));
+  for (const MatchCase &c : cases) {
+    TURESearch engine;
+    engine.FindPrepare(c.pattern, c.fold ? TSearchFlags{} : CaseSensitive());
+    const bool any = engine.FindAll(c.text);
+    const std::string name = Show(c.pattern) + " on " + Show(c.text);
+    EXPECT_EQ(ResultsOf(engine), c.expected) << name;
+    EXPECT_EQ(any, !c.expected.empty()) << name;
+  }
 }
 
 TEST(UREMatcher, FindFirst) {

@@ -5,7 +5,6 @@
 // language as an independent matcher (std::wregex) sees it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <random>
 #include <regex>
