@@ -12,17 +12,18 @@ namespace kestrel::test {
 namespace {
 
 TEST(UREFastScan, LongTextsTakeTheFastPathWithTheSameResults) {
-  // Units beyond the first 256 and states beyond the step table go through
-  // the decision cache: compare with the plain scan.
+  // Units beyond the first 256 take columns of the step table, 255 of them
+  // (here 96 Cyrillic and 600 CJK units); the rest and states beyond the
+  // step table go through the decision cache: compare with the plain scan.
   std::u16string text;
   for (int i = 0; i < 4000; ++i)
     text += char16_t(u'a' + i % 26) + std::u16string(i % 7 == 0 ? u"\u0416\u0436 " : u"") +
-            char16_t(0x0400 + i % 96);
+            char16_t(0x0400 + i % 96) + char16_t(0x4E00 + i * 7 % 600);
   // The last patterns can only begin on 1 to 5 ranges of units below 256,
   // which the scan looks for many units at a time.
   for (const char16_t *p :
-       {u"[\u0400-\u04ff]+", u"\\p10\\p11", u"[^a-z]{2,3}", u"a.c|\u0436", u"ef", u"e[a-f]|t",
-        u"(e|t|a)[^a]", u"e|t|a|o", u"(e|t|a|o|i|n)g", u"[A-Z][a-z]"}) {
+       {u"[\u0400-\u04ff]+", u"\u4e07[\u4e00-\u4e3f]", u"\\p10\\p11", u"[^a-z]{2,3}", u"a.c|\u0436",
+        u"ef", u"e[a-f]|t", u"(e|t|a)[^a]", u"e|t|a|o", u"(e|t|a|o|i|n)g", u"[A-Z][a-z]"}) {
     for (bool fold : {false, true}) {
       TURESearch engine;
       engine.FindPrepare(p, fold ? TSearchFlags{} : CaseSensitive());
