@@ -256,12 +256,6 @@ TEST(PeruseDir, FoldersStopOnCarryOnAndYieldPerStep) {
   EXPECT_GE(yields, 5);
 }
 
-} // namespace
-} // namespace kestrel
-
-namespace kestrel {
-namespace {
-
 // A caller that lists each folder it is told of (the walk may use that
 // reading for the step below) or some other folder (it must not) finds the
 // same folders, and the files of each, as a walk that lists nothing.

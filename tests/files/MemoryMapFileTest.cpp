@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstring>
 #include <string>
-#include <sys/resource.h>
 
 #include <kestrel/files/myStreamMemLists.h>
 #include <kestrel/frame/host/Exceptions.h>
@@ -14,6 +13,7 @@
 #include <kestrel/frame/platform/SharedMemory.h>
 
 #include "files/SharedRegionTestSupport.h"
+#include "support/FileSizeLimit.h"
 
 using namespace kestrel;
 using kestrel::test::InChild;
@@ -172,15 +172,13 @@ TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
 
 TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
   std::string name = UniqueMapName("full");
-  int status = InChild([&] {
-    std::signal(SIGXFSZ, SIG_IGN); // the room runs out at 64 KB
-    struct rlimit limit = {65536, 65536};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
+  {
+    test::FileSizeLimit room(65536);
     TFlexibleSizeMap map(name, 1 << 20);
-    if (map.fMapHandle != 0 || map.fMapSize != 0) return 1;
-    return GetLastError() == EFBIG ? 0 : 2;
-  });
-  EXPECT_EQ(status, 0);
+    EXPECT_EQ(map.fMapHandle, 0);
+    EXPECT_EQ(map.fMapSize, 0);
+    EXPECT_EQ(GetLastError(), uint32_t(EFBIG));
+  }
   EXPECT_FALSE(RegionExists(name));
 }
 
