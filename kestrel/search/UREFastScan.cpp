@@ -36,6 +36,9 @@ void TUREFastScan::Clear() {
   FStartUnitsKnown = false;
   FStartSkipsHigh = false;
   FStep.clear();
+  FHighColumn.clear();
+  FHighStep.clear();
+  FHighUsed = 0;
   FDecisions.clear();
   FLiteral.clear();
   FLiteralOn = false;
@@ -78,6 +81,18 @@ int32_t TUREFastScan::Decision(const TDFA &Dfa, uint32_t State, UCS4 C) {
   TDecisionCache &slot = FDecisions[DecisionSlot(State, C)];
   if (slot.Code != C || slot.State != State) slot = TDecisionCache{C, State, Decide(Dfa, State, C)};
   return slot.Target;
+}
+
+// Most texts use a few hundred units at most: those from 256 up get columns
+// of their own, the rest go through the decision cache.
+int32_t TUREFastScan::AddHighColumn(const TDFA &Dfa, uint32_t State, char16_t U) {
+  if ((U >= 0xD800 && U <= 0xDFFF) || IsLineSeparator(U) || FHighUsed == HighColumns) return Slow;
+  if (FHighColumn.empty()) {
+    FHighColumn.assign(0x10000, 0);
+    FHighStep.assign(FStep.size() / 256 * HighColumns, Unknown);
+  }
+  FHighColumn[U] = uint8_t(++FHighUsed);
+  return HighStep(Dfa, State, U);
 }
 
 // The winning transition on C in state Cur where no anchor can accept: not at

@@ -1,7 +1,8 @@
 // TUREFastScan: the accelerator of the regular-expression engine, our own
 // addition to it. After a compile it holds, for each state and unit below 256,
-// the target of the transition that wins there (a step table), the same
-// decisions for other code points in a small cache, and the units a match
+// the target of the transition that wins there (a step table), columns added
+// to it for the first 255 other units a text uses (Greek, Cyrillic, ...),
+// the same decisions for further code points in a small cache, and the units a match
 // can begin with, which it finds many units at a time (SSE2 or AVX2). All of
 // it comes from the engine's own symbol test, so the fast scan gives the
 // plain scan's results.
@@ -29,6 +30,7 @@ class TUREFastScan {
 public:
   static constexpr int32_t NoTarget = -1; // no symbol accepts
   static constexpr int32_t Anchored = -2; // a line separator: an anchor may accept
+  static constexpr int32_t Slow = -3;     // HighStep: take the general way
 
   // Builds the tables of an automaton; forgets them. Literal: plain
   // characters in a row that every match holds (folded as the symbols are),
@@ -45,6 +47,16 @@ public:
   // The winning target on a code point (already folded, no line separator)
   // away from the first unit of a text, through the cache.
   int32_t Decision(const TDFA &Dfa, uint32_t State, UCS4 C);
+  // The step table's answer for a unit from 256 up, away from the first unit
+  // of a text; Slow for a surrogate, a line separator, or a unit past the
+  // columns the table holds. Only with a step table.
+  int32_t HighStep(const TDFA &Dfa, uint32_t State, char16_t U) {
+    const uint8_t column = FHighColumn.empty() ? 0 : FHighColumn[U];
+    if (column == 0) return AddHighColumn(Dfa, State, U);
+    int32_t &t = FHighStep[size_t(State) * HighColumns + column - 1];
+    if (t == Unknown) t = Decide(Dfa, State, U);
+    return t;
+  }
   // The first unit from Run on that may begin a match in the start state,
   // away from the first unit of the text; End if there is none.
   // In the start state with no attempt begun, and with no match found from
@@ -56,6 +68,10 @@ public:
   bool LiteralJumps() const { return FLiteralOn; }
 
 private:
+  static constexpr int32_t Unknown = -4; // a high column's entry not decided yet
+  static constexpr uint32_t HighColumns = 255;
+
+  int32_t AddHighColumn(const TDFA &Dfa, uint32_t State, char16_t U);
   void BuildLiteral(const TDFA &Dfa, const std::vector<UCS4> &Literal);
   bool LiteralAt(const char16_t *At) const;
   const char16_t *JumpByLiteral(const char16_t *Run, const char16_t *End);
@@ -65,6 +81,11 @@ private:
   void FindStartUnits(const TDFA &Dfa);
 
   std::vector<int32_t> FStep;
+  // Units from 256 up get a column of their own as a text brings them
+  // (0: none yet), decided state by state when first needed.
+  std::vector<uint8_t> FHighColumn;
+  std::vector<int32_t> FHighStep;
+  uint32_t FHighUsed = 0;
   struct TDecisionCache {
     uint32_t Code = 0xFFFFFFFF;
     uint32_t State = 0;

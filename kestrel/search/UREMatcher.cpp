@@ -201,14 +201,14 @@ bool TURESearch::Scan(uint32_t Flags, const char16_t *Text, uint32_t TextLen, ui
 
   while (!found && run < end) {
     if (useStep && run != Text) {
-      // Units below 256 that are no line separator, away from the first unit
-      // of the text: the step table gives the transition that wins, and the
-      // rules below are applied as they stand.
+      // Units of the basic plane that are no line separator, away from the
+      // first unit of the text: the step table gives the transition that
+      // wins, and the rules below are applied as they stand.
       if (skipStart && cur == 0 && ms == Unset) run = FFastScan.SkipToStart(run, end);
       while (run < end) {
         const char16_t u = *run;
-        if (u >= 256) break;
-        const int32_t t = step[cur * 256 + u];
+        const int32_t t = u < 256 ? step[cur * 256 + u] : FFastScan.HighStep(DFA, cur, u);
+        if (t == TUREFastScan::Slow) break;
         if (t >= 0) {
           if (ms == Unset)
             ms = uint32_t(run - Text);
