@@ -54,10 +54,7 @@ TEST(StreamFields, FormsOnTheStream) {
   } rows[] = {
       {"long", [](TStream *s) { return WriteUnknownLengthString(s, "abc"); }, Le32(3) + "abc",
        true},
-      {"short", [](TStream *s) { return WriteShortString(s, "abc"); },
-       "\x03"
-       "abc",
-       true},
+      {"short", [](TStream *s) { return WriteShortString(s, "abc"); }, "\3abc", true},
       {"short empty", [](TStream *s) { return WriteShortString(s, ""); }, std::string(1, '\0'),
        true},
       {"short 255", [](TStream *s) { return WriteShortString(s, std::string(255, 'a')); },

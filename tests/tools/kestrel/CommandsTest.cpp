@@ -15,6 +15,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <kestrel/files/TextFiles.h>
+
 #include "support/RunKestrel.h"
 #include "support/TestSupport.h"
 #include "support/ZipWriter.h"
@@ -236,28 +238,15 @@ void CopyInputs(const TempDir &dir) {
     ::utimensat(AT_FDCWD, (dir / name).c_str(), times, 0);
 }
 
-// The length of the UTF-8 sequence that starts at s[i], 0 when none does.
-size_t SequenceLength(const std::string &s, size_t i) {
-  const auto lead = static_cast<unsigned char>(s[i]);
-  const size_t n = lead >= 0xF0 && lead < 0xF5 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
-  if (lead >= 0xF5 || i + n > s.size()) return 0;
-  for (size_t k = 1; k < n; ++k)
-    if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return 0;
-  // No overlong form, no encoded surrogate, nothing above U+10FFFF.
-  const auto second = static_cast<unsigned char>(s[i + 1]);
-  if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second >= 0xA0) ||
-      (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second >= 0x90))
-    return 0;
-  return n;
-}
-
 // Bytes as golden text: valid UTF-8 and line ends as they are, a backslash
 // doubled, other control bytes, stray bytes and byte-order marks as \xNN.
 std::string Escaped(const std::string &bytes) {
   std::string out;
   for (size_t i = 0; i < bytes.size();) {
     const auto b = static_cast<unsigned char>(bytes[i]);
-    const size_t n = std::max<size_t>(b >= 0x80 ? SequenceLength(bytes, i) : 1, 1);
+    const auto *u = reinterpret_cast<const uint8_t *>(bytes.data());
+    const bool half = b == 0xED && i + 1 < bytes.size() && u[i + 1] >= 0xA0; // encoded surrogate
+    const size_t n = half ? 1 : std::max<size_t>(Utf8SequenceAt(u, i, bytes.size()), 1);
     const bool mark = bytes.compare(i, 3, "\xEF\xBB\xBF") == 0;
     if (b == '\\') {
       out += "\\\\";
