@@ -50,7 +50,7 @@ TEST(FileUtils, NamesAreTidied) {
   }
 }
 
-TEST(FileUtils, CopyKeepsTheSourceDate) {
+TEST(FileUtils, CopyKeepsTheSourceDateAndDatesAreSet) {
   TempDir dir;
   dir.WriteFile("src.txt", "contents");
   ASSERT_EQ(FileSetDate(dir / "src.txt", kStamp), 0);
@@ -66,6 +66,11 @@ TEST(FileUtils, CopyKeepsTheSourceDate) {
 
   EXPECT_FALSE(CopyFileRetainingDate(dir / "gone.txt", dir / "new.txt"));
   EXPECT_EQ(Entries(dir.Path()), (std::vector<std::string>{"dst.txt", "other.txt", "src.txt"}));
+
+  EXPECT_TRUE(MySetFileDate(dir / "dst.txt", kStamp + 1));
+  EXPECT_EQ(FileAge(dir / "dst.txt"), kStamp + 1);
+  EXPECT_FALSE(MySetFileDate(dir / "missing", kStamp));
+  EXPECT_FALSE(fs::exists(dir / "missing"));
 }
 
 TEST(FileUtils, CopyOverAReadOnlyTargetFailsButStillDates) {
@@ -141,15 +146,6 @@ TEST(FileUtils, FileSizeFromTheFolder) {
   EXPECT_EQ(FileSize(dir / "empty"), 0);
   EXPECT_EQ(FileSize(dir / "a.txt"), 5); // not its namesake in another case
   EXPECT_EQ(FileSize(dir / "A.txt"), 3);
-}
-
-TEST(FileUtils, MySetFileDate) {
-  TempDir dir;
-  dir.WriteFile("f", "x");
-  EXPECT_TRUE(MySetFileDate(dir / "f", kStamp));
-  EXPECT_EQ(FileAge(dir / "f"), kStamp);
-  EXPECT_FALSE(MySetFileDate(dir / "missing", kStamp));
-  EXPECT_FALSE(fs::exists(dir / "missing"));
 }
 
 } // namespace
