@@ -35,8 +35,6 @@ TEST(TMyMemIniFile, WriteBoolWritesTheWords) {
   ini.WriteBool("s", "off", false);
   EXPECT_EQ(ini.ReadString("s", "on", ""), "YES");
   EXPECT_EQ(ini.ReadString("s", "off", ""), "NO");
-  EXPECT_EQ(LoadResString(&_ident_YES), "YES");
-  EXPECT_EQ(LoadResString(&_ident_NO), "NO");
 }
 
 TEST(TMyMemIniFile, SaveABackupCopiesTheDiskFileNotTheMemory) {
