@@ -96,7 +96,7 @@ TEST(ExtraFontListStream, SavedByteForByteAndReadBackWithItsFill) {
 }
 
 TEST(ExtraFontListStream, EmptyAndNegativeCountsReadNothing) {
-  for (const std::string bytes : {std::string(4, '\0'), std::string(4, '\xFF')}) {
+  for (const std::string &bytes : {std::string(4, '\0'), std::string(4, '\xFF')}) {
     TExtraFontList list;
     EXPECT_TRUE(list.ReadFromStream(StreamOf(bytes).get()));
     EXPECT_EQ(list.Count(), 0);
