@@ -32,6 +32,15 @@ void Write(TFlexibleSizeMap &map, int32_t offset, const std::string &s) {
   map.WriteToMemmap(s.data(), offset, static_cast<int32_t>(s.size()));
 }
 
+// A map without a region: no handle, no view, no size, nothing to read or write.
+void ExpectClosed(TFlexibleSizeMap &map) {
+  EXPECT_EQ(map.fMapHandle, 0);
+  EXPECT_EQ(map.fView, nullptr);
+  EXPECT_EQ(map.fMapSize, 0);
+  EXPECT_EQ(Read(map, 0, 4), "");
+  EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
+}
+
 TEST(MemoryMapFile, CreatorWritesItsSizeAndOpenersTakeIt) {
   std::string name = UniqueMapName("size");
   TFlexibleSizeMap creator(name, 100);
@@ -88,13 +97,9 @@ TEST(MemoryMapFile, AccessOutsideTheRegionOrOnAClosedMapRaises) {
   EXPECT_EQ(map.GetMemL(4), 9);
 
   map.Close();
-  EXPECT_EQ(map.fMapSize, 0);
-  EXPECT_EQ(map.fView, nullptr);
-  EXPECT_EQ(map.fMapHandle, 0);
+  ExpectClosed(map);
   EXPECT_THROW(map.GetMemL(0), EAccessViolation);
-  EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
   EXPECT_THROW(Write(map, 4, "a"), EAccessViolation);
-  EXPECT_EQ(Read(map, 0, 4), "");
 }
 
 // A map that mends a fault by growing, or that claims to mend it and does not.
@@ -157,17 +162,14 @@ TEST(MemoryMapFile, ChecksizeReplacesTheRegionUnlessAnotherHoldsIt) {
 TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
   for (std::string name : {std::string("a/b"), std::string(300, 'n')}) {
     TFlexibleSizeMap map(name, 16);
-    EXPECT_EQ(map.fMapHandle, 0) << name.size();
-    EXPECT_EQ(map.fView, nullptr);
-    EXPECT_EQ(map.fMapSize, 0);
-    EXPECT_EQ(Read(map, 0, 4), "");
-    EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
+    SCOPED_TRACE(name.size());
+    ExpectClosed(map);
   }
   EXPECT_EQ(OpenFileMappingA(FILE_MAP_ALL_ACCESS, false, "a/b"), 0);
   EXPECT_EQ(GetLastError(), uint32_t(EINVAL));
   EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, "zero"), 0);
   TFlexibleSizeMap negative(UniqueMapName("negative"), -8);
-  EXPECT_EQ(negative.fMapHandle, 0);
+  ExpectClosed(negative);
 }
 
 TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
@@ -175,9 +177,8 @@ TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
   {
     test::FileSizeLimit room(65536);
     TFlexibleSizeMap map(name, 1 << 20);
-    EXPECT_EQ(map.fMapHandle, 0);
-    EXPECT_EQ(map.fMapSize, 0);
     EXPECT_EQ(GetLastError(), uint32_t(EFBIG));
+    ExpectClosed(map);
   }
   EXPECT_FALSE(RegionExists(name));
 }
