@@ -124,8 +124,10 @@ uint32_t TURESearch::PosixCCL(const char16_t *Text, uint32_t Limit, TSymbolTable
 
 namespace {
 
-// The control escapes of a class; `\R` is the carriage return there.
-UCS4 ClassEscape(char16_t c) {
+// The control escapes; 0 for a letter that is none. The carriage return is
+// `\r` outside a class and `\R` inside one.
+UCS4 ControlEscape(char16_t c, char16_t CarriageReturn) {
+  if (c == CarriageReturn) return 0x0D;
   switch (c) {
   case u'a':
     return 0x07;
@@ -135,15 +137,19 @@ UCS4 ClassEscape(char16_t c) {
     return 0x0C;
   case u'n':
     return 0x0A;
-  case u'R':
-    return 0x0D;
   case u't':
     return 0x09;
   case u'v':
     return 0x0B;
   default:
-    return c;
+    return 0;
   }
+}
+
+// Inside a class any other escaped character stands for itself.
+UCS4 ClassEscape(char16_t c) {
+  const UCS4 control = ControlEscape(c, u'R');
+  return control != 0 ? control : c;
 }
 
 bool IsHexEscapeLetter(char16_t c) {
@@ -243,31 +249,7 @@ uint32_t TURESearch::BuildCharacterClass(const char16_t *Text, uint32_t Limit,
 
 // ------------------------------------------------------------------ symbols
 
-namespace {
-
-// The control escapes outside a class; 0 for a letter that is none.
-UCS4 ControlEscape(char16_t c) {
-  switch (c) {
-  case u'a':
-    return 0x07;
-  case u'b':
-    return 0x08;
-  case u'f':
-    return 0x0C;
-  case u'n':
-    return 0x0A;
-  case u'r':
-    return 0x0D;
-  case u't':
-    return 0x09;
-  case u'v':
-    return 0x0B;
-  default:
-    return 0;
-  }
-}
-
-} // namespace
+namespace {} // namespace
 
 uint32_t TURESearch::CompileSymbol(const char16_t *Text, uint32_t Limit,
                                    TSymbolTableEntry &Symbol) {
@@ -284,7 +266,7 @@ uint32_t TURESearch::CompileSymbol(const char16_t *Text, uint32_t Limit,
     if (e == u'p' || e == u'P') {
       Symbol.SymbolType = e == u'p' ? ClassSymbol : NegatedClassSymbol;
       used += ParsePropertyList(Text + used, Limit - used, Symbol.Props);
-    } else if (UCS4 ctl = ControlEscape(e)) {
+    } else if (UCS4 ctl = ControlEscape(e, u'r')) {
       Symbol.Symbol.Chr = ctl;
     } else {
       uint32_t number = 0;

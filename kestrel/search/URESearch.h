@@ -65,7 +65,7 @@ inline constexpr int32_t ErrTooLarge = -8;
 // Work units a compile may spend (stack pushes of bound copies, rewriting
 // steps, state-list entries, merge comparisons) before it is refused. About a
 // second of work; ordinary patterns use a tiny part of it.
-inline constexpr uint64_t CompileWorkLimit = uint64_t(1) << 26;
+inline constexpr uint64_t CompileWorkLimit = uint64_t(1) << 24;
 // States an automaton may have before reduction stops and the pattern is
 // refused (`(a|b)*a(a|b){20}` would need two million).
 inline constexpr uint32_t MaxStates = 8192;

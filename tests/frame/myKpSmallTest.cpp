@@ -30,11 +30,9 @@ TEST(myKpSmall, MyYieldProcessCallsTheCallbackWhenSet) {
 TEST(myKpSmall, MyDirExistsLeavesTheCurrentFolderAlone) {
   test::TempDir tmp;
   std::string here = GetCurrentDir();
-  EXPECT_TRUE(MyDirExists(tmp.Path()));
-  EXPECT_EQ(GetCurrentDir(), here);
-  EXPECT_FALSE(MyDirExists(tmp / "missing"));
-  EXPECT_EQ(GetCurrentDir(), here);
   tmp.WriteFile("plain", "x");
+  EXPECT_TRUE(MyDirExists(tmp.Path()));
+  EXPECT_FALSE(MyDirExists(tmp / "missing"));
   EXPECT_FALSE(MyDirExists(tmp / "plain"));
   EXPECT_EQ(GetCurrentDir(), here);
 }
@@ -63,7 +61,6 @@ TEST(myKpSmall, MyPMsgDlgIsTaskModalAndNamesTheProgram) {
   EXPECT_EQ(MyPMsgDlg("Sure?", "Question", MB_YESNO), IDYES);
   ASSERT_EQ(boxes.Boxes().size(), 2u);
   EXPECT_EQ(boxes.Boxes()[0].type, 0x2001u);
-  EXPECT_EQ(boxes.Boxes()[0].caption, ExtractFileName(ParamStr0()));
   EXPECT_EQ(boxes.Boxes()[0].caption, "test_frame");
   EXPECT_EQ(boxes.Boxes()[1].caption, "Question");
   EXPECT_EQ(boxes.Boxes()[1].text, "Sure?");

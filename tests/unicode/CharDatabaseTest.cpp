@@ -20,24 +20,24 @@ struct Expectation {
 
 #define T(fn) #fn, fn
 
-// The decisions the tables carry, among others: a tab is no space (property 13
-// is empty) and class B no white space; the connector is graphic but no
-// punctuation; mirroring is empty and the symmetric list is its own;
-// surrogates are the supplementary code points, not the halves; of private
-// use only the library's own rows are defined; of extension A only its end
-// points; the Han blocks are whole in the letters but not in Defined past
-// U+9FA5; Hangul runs past the last syllable; composites have two or more
-// canonical elements; the data is that of Unicode 3.0; Lm starts no
-// identifier and Me is no part of one; AL counts as R, NSM and BN as ON.
+// The decisions the tables carry: a tab is no space (property 13 is empty)
+// and class B no white space; the connector is graphic but no punctuation;
+// mirroring is empty and the symmetric list is its own; surrogates are the
+// supplementary code points, not the halves; of private use only the
+// library's own rows are defined; of extension A only its end points; the
+// Han blocks are whole in the letters but not in Defined past U+9FA5; Hangul
+// runs past the last syllable; composites have two or more canonical
+// elements; the data is that of Unicode 3.0; Lm starts no identifier and Me
+// is no part of one; AL counts as R, NSM and BN as ON. Each test of several
+// categories is shown to take one of the rarer ones.
 const Expectation kExpectations[] = {
     {T(UnicodeIsSpace), {0x0020}, {0x0009}},
     {T(UnicodeIsWhiteSpace), {0x0009, 0x0020, 0x000C, 0x3000}, {0x000A, 0x000D}},
     {T(UnicodeIsBlank), {}, {0x0009}},
     {T(UnicodeIsSeparator), {0x000A}, {}},
     {T(UnicodeIsPunctuation), {0x00AB, 0x00BB, 0x17D7, 0x17DC}, {0x005F}},
-    {T(UnicodeIsGraph), {0x005F}, {0x0020}},
-    {T(UnicodeIsConnectionPunctuation), {0x005F}, {}},
-    {T(UnicodeIsPrintable), {0x0020}, {}},
+    {T(UnicodeIsGraph), {0x005F, 0x06DD}, {0x0020}},
+    {T(UnicodeIsPrintable), {0x0020, 0x16EE}, {}},
     {T(UnicodeIsMirroring), {}, {0x0028, 0x003C}},
     {T(UnicodeIsSymmetric), {0x0028}, {0x003C}},
     {T(UnicodeIsSurrogate), {0x10000, 0x10FFFF}, {0xD800, 0xDFFF, 0x110000}},
@@ -49,19 +49,15 @@ const Expectation kExpectations[] = {
     {T(UnicodeIsUndefined), {0xD800, 0xFFFFFFFF}, {}},
     {T(UnicodeIsPrivate), {0xE000, 0xE900}, {0xF900}},
     {T(UnicodeIsAlpha),
-     {0xE900, 0x3400, 0x9FFF, 0xFAFF, 0xAC00},
+     {0xE900, 0x3400, 0x9FFF, 0xFAFF, 0xAC00, 0x02B0},
      {0xE000, 0x3401, 0x110000, 0xFFFFFFFF}},
-    {T(UnicodeIsNonSpacing), {0xE97B}, {}},
     {T(UnicodeIsComposite), {0xE95A, 0x00C0, 0x1F82}, {0xE90F, 0xAC00, 0x0340, 0x212B, 0xFB00}},
     {T(UnicodeIsHan), {0x9FFF, 0x4E00, 0xF900, 0xFAFF}, {0x3401, 0x4DFF, 0xA000, 0xF8FF, 0xFB00}},
     {T(UnicodeIsHangul), {0xAC00, 0xD7A4, 0xD7FF}, {0xABFF, 0xD800}},
-    {T(UnicodeIsSpacingMark), {0x0B83}, {}},
-    {T(UnicodeIsEnclosing), {0x06DD}, {}},
-    {T(UnicodeIsFormatControl), {0x180B}, {}},
     {T(UnicodeIsLetterNumber), {}, {0x16EE}},
-    {T(UnicodeIsNumber), {0x16EE}, {}},
+    {T(UnicodeIsNumber), {0x16EE, 0x00B2}, {}},
     {T(UnicodeIsIdenifierStart), {0x2160}, {0x02B0, 0x0030}},
-    {T(UnicodeIsIdentifierPart), {0x0030, 0x200C}, {0x02B0, 0x20DD}},
+    {T(UnicodeIsIdentifierPart), {0x0030, 0x200C, 0x0B83}, {0x02B0, 0x20DD}},
     {T(UnicodeIsRTL), {0x05D0, 0x0627}, {}},
     {T(UnicodeIsWeak), {0x0030, 0x0660}, {}},
     {T(UnicodeIsNeutral), {0x0021, 0x0300, 0x0000}, {}},
@@ -69,27 +65,13 @@ const Expectation kExpectations[] = {
     {T(UnicodeIsHexDigit), {0x0066, 0xFF26}, {0x0067}},
     {T(UnicodeIsQuotationMark), {0x0022, 0x300C}, {}},
     {T(UnicodeIsNonBreaking), {0x00A0}, {0x0020}},
-    {T(UnicodeIsTitle), {0x01C5}, {}},
     {T(UnicodeIsUpper), {0x0041}, {0x01C5}},
-    {T(UnicodeIsLower), {0x0061, 0x00DF}, {}},
     {T(UnicodeIsDigit), {0x0669}, {0x00B2}},
-    {T(UnicodeIsAlphaNum), {0x0039}, {0x002D}},
-    {T(UnicodeIsControl), {0x200E}, {}},
+    {T(UnicodeIsAlphaNum), {0x0039, 0x01C5}, {0x002D}},
+    {T(UnicodeIsControl), {0x200E, 0x180B}, {}},
     {T(UnicodeIsIsoControl), {0x009F}, {0x200E}},
-    {T(UnicodeIsMath), {0x002B}, {}},
-    {T(UnicodeIsCurrency), {0x20AC}, {}},
-    {T(UnicodeIsModifierSymbol), {0x005E}, {}},
-    {T(UnicodeIsSymbol), {0x00A9}, {}},
-    {T(UnicodeIsDash), {0x2014}, {}},
-    {T(UnicodeIsOpenPunctuation), {0x0028}, {}},
-    {T(UnicodeIsClosePunctuation), {0x0029}, {}},
-    {T(UnicodeIsInitialPunctuation), {0x201C}, {}},
-    {T(UnicodeIsFinalPunctuation), {0x201D}, {}},
-    {T(UnicodeIsMark), {0x0903}, {}},
-    {T(UnicodeIsModifier), {0x02B0}, {}},
-    {T(UnicodeIsLineSeparator), {0x2028}, {}},
-    {T(UnicodeIsParagraphSeparator), {0x2029}, {}},
-    {T(UnicodeIsNonSpacingMark), {0x0301}, {}},
+    {T(UnicodeIsSymbol), {0x00A9, 0x005E}, {}},
+    {T(UnicodeIsMark), {0x0903, 0x06DD, 0xE97B}, {}},
 };
 
 #undef T
@@ -116,52 +98,28 @@ TEST(CharDatabase, MaskTestReachesOnlyTheTablesProperties) {
   EXPECT_FALSE(UnicodeLookupProperty(0x0041, 1000));
 }
 
-TEST(CharDatabase, EveryRangeEdgeIsFound) {
-  // Both ends of each stored range hold, the codes just outside do not
-  // (ranges never touch, so the neighbours are outside).
-  const TTypeTable &t = TypeTable();
-  for (unsigned n = 0; n < t.Count; ++n)
-    for (uint32_t i = 0; i < t.Spans[n].Pairs; ++i) {
-      UCS4 first = t.PropertyRanges[t.Spans[n].Start + 2 * i];
-      UCS4 last = t.PropertyRanges[t.Spans[n].Start + 2 * i + 1];
-      ASSERT_TRUE(UnicodeLookupProperty(first, int(n))) << n << " " << first;
-      ASSERT_TRUE(UnicodeLookupProperty(last, int(n))) << n << " " << last;
-      if (first > 0) {
-        ASSERT_FALSE(UnicodeLookupProperty(first - 1, int(n))) << n << " " << first - 1;
-      }
-      ASSERT_FALSE(UnicodeLookupProperty(last + 1, int(n))) << n << " " << last + 1;
-    }
-}
-
 struct NumberCase {
   UCS4 code;
   int32_t numerator, denominator, digit;
 };
 
 TEST(CharDatabase, NumbersAndDigits) {
+  constexpr int32_t N = UnicodeNoNumber;
   const NumberCase cases[] = {{0x0030, 0, 0, 0},
                               {0x0037, 7, 7, 7},
-                              {0x0039, 9, 9, 9},
-                              {0x0041, -111, -111, -111},
-                              {0x00BD, 1, 2, -111},
-                              {0x00BC, 1, 4, -111},
-                              {0x00BE, 3, 4, -111},
+                              {0x0041, N, N, N},
+                              {0x00BD, 1, 2, N},
                               {0x00B2, 2, 2, 2},
                               {0x2169, 10, 10, 10},
-                              {0x2181, 5000, 5000, 5000},
                               {0x2182, 10000, 10000, 10000},
-                              {0x215E, 7, 8, -111},
-                              {0x2153, 1, 3, -111},
-                              {0x0F2A, -111, -111, -111},
-                              {0x4E00, -111, -111, -111},
+                              {0x215E, 7, 8, N},
+                              {0x0F2A, N, N, N},
+                              {0x4E00, N, N, N},
                               {0x3007, 0, 0, 0},
-                              {0x137C, 10000, 10000, 10000},
                               {0x16EE, 17, 17, 17},
-                              {0xFF19, 9, 9, 9},
-                              {0x0000, -111, -111, -111},
-                              {0xFFFFFFFF, -111, -111, -111},
-                              {0x2183, -111, -111, -111},
-                              {0x3289, 10, 10, 10},
+                              {0x0000, N, N, N},
+                              {0xFFFFFFFF, N, N, N},
+                              {0x2183, N, N, N},
                               {0x249B, 20, 20, 20}};
   for (const NumberCase &c : cases) {
     TUnicodeNumber n = UnicodeGetNumber(c.code);

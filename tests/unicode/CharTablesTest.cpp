@@ -104,22 +104,6 @@ void ExpectSameTables(const Snapshot &a, const Snapshot &b) {
   EXPECT_EQ(a.numbers.NumberValues, b.numbers.NumberValues);
 }
 
-TEST(CharTables, StoredTablesLoadWithTheirCounts) {
-  Snapshot s = TakeSnapshot();
-  EXPECT_EQ(s.type.PropertyOffsets.size(), 50u);
-  EXPECT_EQ(s.type.PropertyRanges.size(), 5486u);
-  EXPECT_EQ(s.caseMap.CaseMap.size(), 1398u * 3);
-  EXPECT_EQ(s.caseMap.CaseLength, 1398u * 3);
-  EXPECT_EQ(s.caseMap.UpperLength, 692 * 3);
-  EXPECT_EQ(s.caseMap.LowerLength, 702 * 3);
-  EXPECT_EQ(s.decomposition.Rows, 1033);
-  EXPECT_EQ(s.decomposition.DecompositionNodes.size(), 2067u);
-  EXPECT_EQ(s.decomposition.DecompositionData.size(), s.decomposition.DecompositionNodes.back());
-  EXPECT_EQ(s.combining.CombiningNodes.size(), 3u * 147);
-  EXPECT_EQ(s.numbers.NumberNodes.size(), 810u);
-  EXPECT_EQ(s.numbers.NumberValues.size(), 96u);
-}
-
 TEST(CharTables, ByteSwappedTablesLoadTheSameValues) {
   Snapshot plain = TakeSnapshot();
   const char *names[] = {"TYPE", "CASE", "DECOMPOSE", "COMBINE", "NUMBERS"};

@@ -28,45 +28,30 @@ const char *Name(TPath p) {
 std::string Piece(std::mt19937 &rng) {
   auto byte = [&](int lo, int hi) { return char(lo + int(rng() % unsigned(hi - lo + 1))); };
   std::string s;
-  switch (rng() % 16) {
-  case 0:
-  case 1:
-  case 2:
-  case 3: // a run of ASCII
+  const unsigned kind = rng() % 16;
+  if (kind < 4) { // a run of ASCII
     for (int n = 1 + int(rng() % 40); n > 0; --n)
       s += byte(0x00, 0x7F);
-    break;
-  case 4:
-  case 5:
-  case 6: // two-byte forms, overlong ones (C0, C1) included
+  } else if (kind < 7) { // two-byte forms, overlong ones (C0, C1) included
     for (int n = 1 + int(rng() % 8); n > 0; --n)
       s += {byte(0xC0, 0xDF), byte(0x80, 0xBF)};
-    break;
-  case 7:
-  case 8:
-  case 9: // three-byte forms, encoded surrogate halves included
+  } else if (kind < 10) { // three-byte forms, encoded surrogate halves included
     for (int n = 1 + int(rng() % 6); n > 0; --n)
       s += {byte(0xE0, 0xEF), byte(0x80, 0xBF), byte(0x80, 0xBF)};
-    break;
-  case 10: // a four-byte form, some beyond U+10FFFF
+  } else if (kind == 10) { // a four-byte form, some beyond U+10FFFF
     s += {byte(0xF0, 0xF7), byte(0x80, 0xBF), byte(0x80, 0xBF), byte(0x80, 0xBF)};
-    break;
-  case 11: // five- and six-byte forms
+  } else if (kind == 11) { // five- and six-byte forms
     s += {byte(0xF8, 0xFB), byte(0x80, 0xBF), byte(0x80, 0xBF), byte(0x80, 0xBF), byte(0x80, 0xBF)};
     if (rng() % 2) s = char(0xFC) + s.substr(1) + byte(0x80, 0xBF);
-    break;
-  case 12: // stray continuation bytes
+  } else if (kind == 12) { // stray continuation bytes
     for (int n = 1 + int(rng() % 3); n > 0; --n)
       s += byte(0x80, 0xBF);
-    break;
-  case 13: // a lead whose continuation bytes are short: what follows counts anyway
+  } else if (kind == 13) { // a lead whose continuation bytes are short: what follows counts anyway
     s += rng() % 2 ? byte(0xC0, 0xDF) : byte(0xE0, 0xEF);
     s += byte(0x00, 0x7F);
-    break;
-  case 14: // a lead byte alone
+  } else if (kind == 14) { // a lead byte alone
     s += byte(0xC0, 0xFF);
-    break;
-  default: // any bytes
+  } else { // any bytes
     for (int n = 1 + int(rng() % 6); n > 0; --n)
       s += char(rng());
   }

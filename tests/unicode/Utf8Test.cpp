@@ -62,26 +62,16 @@ TEST(Utf8, DecodesWithoutValidation) {
       {Bytes({0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}), {0xFFFD}, "six-byte form of 0x4000000"},
       {Bytes({0xE2, 0x82, 0xAC, 0x41}), u"\u20ACA", "three bytes then ASCII"},
       {"", u"", "empty"},
+      // A sequence cut short gives one replacement and ends the text, taking
+      // along what should have been its continuation bytes.
+      {Bytes({0x61, 0xE2, 0x82}), u"a\uFFFD", "three bytes cut"},
+      {Bytes({0xC3}), u"\uFFFD", "two bytes cut"},
+      {Bytes({0xFC, 0x80, 0x80, 0x80, 0x80}), u"\uFFFD", "six bytes cut"},
+      {Bytes({0xF0, 0x90, 0x80}), u"\uFFFD", "four bytes cut"},
+      {"abc" + Bytes({0xE2}) + "x", u"abc\uFFFD", "ASCII taken into a cut form"},
   };
   for (const auto &c : cases)
     EXPECT_EQ(UTF8ToWideString(c.bytes), c.units) << c.what;
-}
-
-TEST(Utf8, TruncatedSequenceGivesOneReplacementAndEnds) {
-  EXPECT_EQ(UTF8ToWideString(Bytes({0x61, 0xE2, 0x82})), u"a\uFFFD");
-  EXPECT_EQ(UTF8ToWideString(Bytes({0xC3})), u"\uFFFD");
-  EXPECT_EQ(UTF8ToWideString(Bytes({0xFC, 0x80, 0x80, 0x80, 0x80})), u"\uFFFD");
-  EXPECT_EQ(UTF8ToWideString(Bytes({0xF0, 0x90, 0x80})), u"\uFFFD");
-  // A lead byte whose continuation bytes run through the end includes them.
-  std::string text = "abc" + Bytes({0xE2}) + "x";
-  EXPECT_EQ(UTF8ToWideString(text), u"abc\uFFFD");
-}
-
-TEST(Utf8, ThousandUnitsOfAsciiGiveThousandBytes) {
-  std::u16string s(1000, u'A');
-  std::string utf8 = WideStringToUTF8(s);
-  EXPECT_EQ(utf8, std::string(1000, 'A'));
-  EXPECT_EQ(UTF8ToWideString(utf8), s);
 }
 
 TEST(Utf8, LongTextsBeyondSixteenBitCounts) {

@@ -1,7 +1,11 @@
 // The Wide* family.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include <kestrel/unicode/WideStrUtils.h>
+
+#include "support/TestSupport.h"
 
 namespace kestrel {
 namespace {
@@ -74,21 +78,13 @@ TEST(WideStrUtils, StringOfChar) {
 }
 
 TEST(WideStrUtils, CharPos) {
-  EXPECT_EQ(WideCharPos(u"abab", u'a', 1), 1);
-  EXPECT_EQ(WideCharPos(u"aab", u'b', 1), 3);
-  EXPECT_EQ(WideCharPos(u"aaba", u'a', 3), 4); // matches at 1 and 2 skipped
-  EXPECT_EQ(WideCharPos(u"abc", u'a', 0), 0);
-  EXPECT_EQ(WideCharPos(u"abc", u'c', 3), 3);
-  EXPECT_EQ(WideCharPos(u"abc", u'c', 4), 0);
-  EXPECT_EQ(WideCharPos(u"", u'c', 1), 0);
-  EXPECT_EQ(WideCharPos(u"abc", u'z', 1), 0);
+  const std::tuple<const char16_t *, char16_t, int32_t, int32_t> cases[] = {
+      {u"abab", u'a', 1, 1}, {u"aab", u'b', 1, 3}, {u"aaba", u'a', 3, 4}, // 1 and 2 skipped
+      {u"abc", u'a', 0, 0},  {u"abc", u'c', 3, 3}, {u"abc", u'c', 4, 0},
+      {u"", u'c', 1, 0},     {u"abc", u'z', 1, 0}};
+  for (const auto &[text, c, count, at] : cases)
+    EXPECT_EQ(WideCharPos(text, c, count), at) << test::Show(text) << " " << count;
 }
-
-} // namespace
-} // namespace kestrel
-
-namespace kestrel {
-namespace {
 
 TEST(WideStrUtils, TrimUnitsAreWhiteSpaceAndControls) {
   const std::u16string edges = u"\u00A0\t\n\u2028\uFEFF ";

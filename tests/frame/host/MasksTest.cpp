@@ -1,8 +1,7 @@
 // TMask: the host's wildcard test of one name.
 #include <gtest/gtest.h>
 
-#include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/frame/host/Masks.h>
+#include <kestrel/frame/host/Host.h>
 
 #include <vector>
 

@@ -11,9 +11,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/frame/host/SysUtils.h>
-#include <kestrel/frame/host/TFileStream.h>
+#include <kestrel/frame/host/Host.h>
 
 #include "support/TestSupport.h"
 

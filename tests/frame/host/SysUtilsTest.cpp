@@ -4,8 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/frame/host/SysUtils.h>
+#include <kestrel/frame/host/Host.h>
 
 namespace kestrel {
 namespace {

@@ -1,8 +1,7 @@
 // Streams: checked transfers, the memory stream and the resource stream.
 #include <gtest/gtest.h>
 
-#include <kestrel/frame/host/Exceptions.h>
-#include <kestrel/frame/host/TStream.h>
+#include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Resources.h>
 

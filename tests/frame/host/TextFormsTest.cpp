@@ -3,8 +3,7 @@
 
 #include <cmath>
 
-#include <kestrel/frame/host/DateUtils.h>
-#include <kestrel/frame/host/SysUtils.h>
+#include <kestrel/frame/host/Host.h>
 
 using namespace kestrel;
 

@@ -3,8 +3,7 @@
 
 #include <thread>
 
-#include <kestrel/frame/host/SyncObjs.h>
-#include <kestrel/frame/host/Types.h>
+#include <kestrel/frame/host/Host.h>
 
 namespace kestrel {
 namespace {

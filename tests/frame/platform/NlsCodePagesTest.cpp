@@ -41,20 +41,13 @@ struct ConversionRow {
 TEST(NlsCodePages, RoundTripsOfWindowsCodePages) {
   const ConversionRow rows[] = {
       {1252, "caf\xE9 \x80 \x9C", u"caf\u00E9 \u20AC \u0153"},
-      {1250,
-       "\xA3\xF3"
-       "d\xBF",
-       u"\u0141\u00F3d\u017C"},
       {1251, "\xCC\xEE\xF1\xEA\xE2\xE0", u"\u041C\u043E\u0441\u043A\u0432\u0430"},
-      {1253, "\xC1\xE8\xE7\xED\xE1", u"\u0391\u03B8\u03B7\u03BD\u03B1"},
-      {1255, "\xF9\xEC\xE5\xED", u"\u05E9\u05DC\u05D5\u05DD"},
       {874, "\xA1\xD2", u"\u0E01\u0E32"},
       {437, "\x82\xB0\xDB", u"\u00E9\u2591\u2588"},
       {850, "\x90\xE1", u"\u00C9\u00DF"},
       {866, "\x80\xA0", u"\u0410\u0430"},
       {932, "\x93\xFA\x96\x7B\x8C\xEA\x20\xB1", u"\u65E5\u672C\u8A9E \uFF71"},
       {936, "\xD6\xD0\xCE\xC4", u"\u4E2D\u6587"},
-      {949, "\xC7\xD1\xB1\xB9", u"\uD55C\uAD6D"},
       {950, "\xA4\xA4\xA4\xE5", u"\u4E2D\u6587"},
       {65001, "\xC3\xA9\xF0\x9F\x98\x80", u"\u00E9\U0001F600"},
       {28591, "\xE9\xFF", u"\u00E9\u00FF"},

@@ -1,11 +1,12 @@
+// The ZIP reader: the directory, selected members unpacked, damaged and
+// hostile archives.
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <sys/stat.h>
 
-#include <kestrel/frame/host/DateUtils.h>
-#include <kestrel/frame/host/TList.h>
-#include <kestrel/frame/host/TStream.h>
+#include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/zip/VCLUnZip.h>
 
 #include "support/TestSupport.h"
@@ -20,12 +21,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string Repeat(const std::string &s, int n) {
-  std::string r;
-  for (int i = 0; i < n; ++i)
-    r += s;
-  return r;
+// A reader of an archive, its directory read.
+std::unique_ptr<TVCLUnZip> Opened(const std::string &zip) {
+  auto z = std::make_unique<TVCLUnZip>(nullptr);
+  z->SetZipName(zip);
+  z->ReadZip();
+  return z;
 }
+
+size_t EntriesIn(const std::string &folder) {
+  return size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+const std::string kCompressible = [] {
+  std::string r;
+  for (int i = 0; i < 200; ++i)
+    r += "compressible text ";
+  return r;
+}();
 
 struct Fixture {
   TempDir dir;
@@ -33,7 +46,7 @@ struct Fixture {
   Fixture() {
     WriteZip(zip,
              {{"a.txt", "first member", LocalTime(2004, 7, 15, 13, 45, 30), false, 0x21},
-              {"sub/c.txt", Repeat("compressible text ", 200), LocalTime(1999, 12, 31, 23, 59, 58)},
+              {"sub/c.txt", kCompressible, LocalTime(1999, 12, 31, 23, 59, 58)},
               {"sub/", ""},
               {"deep/er/d.txt", "", 0, true}},
              "Marlow Batch file .lst");
@@ -77,120 +90,96 @@ TEST(TVCLUnZip, ReadsTheDirectoryAndReportsEachEntry) {
   EXPECT_THROW(z.GetFilename(4), EListError);
   EXPECT_THROW(z.GetPathname(-1), EListError);
   EXPECT_THROW(z.SetSelected(9, true), EListError);
+  z.SetZipName(f.zip); // a new name forgets the directory
+  EXPECT_EQ(z.GetCount(), 0);
+
+  f.dir.WriteFile("e.zip", kestrel::test::EmptyZipBytes("abc"));
+  auto empty = Opened(f.dir / "e.zip");
+  EXPECT_EQ(empty->GetCount(), 0);
+  EXPECT_EQ(empty->GetZipComment(), "abc");
 }
 
 TEST(TVCLUnZip, ReadZipRaisesOnFilesThatAreNoArchive) {
-  TempDir dir;
   Fixture f;
+  const TempDir &dir = f.dir;
   std::string good = ReadFileBytes(f.zip);
-
-  std::string noEnd = good.substr(0, good.size() - 30); // directory end cut off
-  std::string badDir = good;                            // central directory overwritten
+  std::string badDir = good; // central directory overwritten
   size_t cd = badDir.find(std::string("PK\x01\x02", 4));
   ASSERT_NE(cd, std::string::npos);
   for (size_t i = cd + 10; i < cd + 40 && i < badDir.size(); ++i)
     badDir[i] = '\xFF';
-  std::string badLocal = good; // first local header no longer matches its directory entry
-  badLocal[26] = '\x7F';
-
-  struct Case {
-    const char *name;
-    std::string bytes;
-  } cases[] = {{"empty.zip", ""},
-               {"text.zip", "This is plain text, not an archive.\n"},
-               {"cut.zip", noEnd},
-               {"baddir.zip", badDir}};
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.name);
-    dir.WriteFile(c.name, c.bytes);
+  const std::pair<const char *, std::string> cases[] = {
+      {"empty.zip", ""},
+      {"text.zip", "This is plain text, not an archive.\n"},
+      {"cut.zip", good.substr(0, good.size() - 30)}, // directory end cut off
+      {"baddir.zip", badDir}};
+  for (const auto &[name, bytes] : cases) {
+    dir.WriteFile(name, bytes);
     TVCLUnZip z(nullptr);
-    z.SetZipName(dir / c.name);
-    EXPECT_THROW(z.ReadZip(), EZipError);
-    EXPECT_EQ(z.GetCount(), 0);
-  }
-  // A listing reads only the central directory; a member's local header
-  // that disagrees with it stops the reading of members, with libzip's reason.
-  dir.WriteFile("badlocal.zip", badLocal);
-  TVCLUnZip local(nullptr);
-  local.SetZipName(dir / "badlocal.zip");
-  local.ReadZip();
-  EXPECT_GT(local.GetCount(), 0);
-  TMemoryStream out;
-  for (int32_t i = 0; i < local.GetCount(); ++i) {
-    if (local.GetFilename(i).empty()) continue; // a folder entry
+    z.SetZipName(dir / name);
     try {
-      local.UnZipToStream(&out, i);
-      ADD_FAILURE() << "member " << i << " of an inconsistent archive was read";
+      z.ReadZip();
+      ADD_FAILURE() << name << " was read";
     } catch (const EZipError &e) {
-      EXPECT_EQ(e.Reason, "Zip archive inconsistent") << e.Message();
+      EXPECT_NE(e.Message().find(name), std::string::npos) << e.Message();
     }
+    EXPECT_EQ(z.GetCount(), 0) << name;
   }
   TVCLUnZip z(nullptr);
   z.SetZipName(dir / "missing.zip");
   EXPECT_THROW(z.ReadZip(), EZipError);
   z.SetZipName(dir.Path());
   EXPECT_THROW(z.ReadZip(), EZipError);
-  try {
-    z.SetZipName(dir / "text.zip");
-    z.ReadZip();
-  } catch (const EZipError &e) {
-    EXPECT_NE(e.Message().find("text.zip"), std::string::npos) << e.Message();
-  }
-}
 
-TEST(TVCLUnZip, AnEmptyArchiveHasNoMembers) {
-  TempDir dir;
-  dir.WriteFile("e.zip", kestrel::test::EmptyZipBytes("abc"));
-  TVCLUnZip z(nullptr);
-  z.SetZipName(dir / "e.zip");
-  z.ReadZip();
-  EXPECT_EQ(z.GetCount(), 0);
-  EXPECT_EQ(z.GetZipComment(), "abc");
+  // A listing reads only the central directory; a member's local header
+  // that disagrees with it stops the reading of members, with libzip's reason.
+  std::string badLocal = good;
+  badLocal[26] = '\x7F';
+  dir.WriteFile("badlocal.zip", badLocal);
+  auto local = Opened(dir / "badlocal.zip");
+  EXPECT_GT(local->GetCount(), 0);
+  TMemoryStream out;
+  for (int32_t i = 0; i < local->GetCount(); ++i) {
+    if (local->GetFilename(i).empty()) continue; // a folder entry
+    try {
+      local->UnZipToStream(&out, i);
+      ADD_FAILURE() << "member " << i << " of an inconsistent archive was read";
+    } catch (const EZipError &e) {
+      EXPECT_EQ(e.Reason, "Zip archive inconsistent") << e.Message();
+    }
+  }
 }
 
 TEST(TVCLUnZip, UnpacksSelectedMembersWithOrWithoutTheirFolders) {
   Fixture f;
-  TVCLUnZip z(nullptr);
-  z.SetZipName(f.zip);
-  z.ReadZip();
-  z.ClearSelected();
-  z.SetSelected(1, true);
-  z.SetSelected(3, true);
-  EXPECT_EQ(z.NumSelected(), 2);
-  z.SetDestDir(f.dir / "out");
-  EXPECT_EQ(z.UnZipSelected(), 2);
-  EXPECT_EQ(ReadFileBytes(f.dir / "out/sub/c.txt"), Repeat("compressible text ", 200));
+  TVCLUnZip none(nullptr);
+  EXPECT_THROW(none.UnZipSelected(), EZipError); // no archive
+  auto z = Opened(f.zip);
+  z->SetSelected(0, true);
+  EXPECT_THROW(z->UnZipSelected(), EZipError); // no DestDir
+  z->ClearSelected();
+  z->SetSelected(1, true);
+  z->SetSelected(3, true);
+  EXPECT_EQ(z->NumSelected(), 2);
+  z->SetDestDir(f.dir / "out");
+  EXPECT_EQ(z->UnZipSelected(), 2);
+  EXPECT_EQ(ReadFileBytes(f.dir / "out/sub/c.txt"), kCompressible);
   EXPECT_TRUE(fs::exists(f.dir / "out/deep/er/d.txt"));
   EXPECT_FALSE(fs::exists(f.dir / "out/a.txt"));
   struct stat st;
   ASSERT_EQ(::stat((f.dir / "out/sub/c.txt").c_str(), &st), 0);
   EXPECT_EQ(st.st_mtime, LocalTime(1999, 12, 31, 23, 59, 58)); // the member's date
 
-  z.RecreateDirs = false;
-  z.SetDestDir(f.dir / "flat");
-  EXPECT_EQ(z.UnZipSelected(), 2);
+  z->RecreateDirs = false;
+  z->SetDestDir(f.dir / "flat");
+  EXPECT_EQ(z->UnZipSelected(), 2);
   EXPECT_TRUE(fs::exists(f.dir / "flat/c.txt"));
   EXPECT_TRUE(fs::exists(f.dir / "flat/d.txt"));
-  EXPECT_FALSE(fs::exists(f.dir / "flat/sub"));
-  // Nothing but the two files: no temporary file is left behind.
-  EXPECT_EQ(std::distance(fs::directory_iterator(f.dir / "flat"), fs::directory_iterator()), 2);
-}
-
-TEST(TVCLUnZip, NeedsAnArchiveAndADestination) {
-  Fixture f;
-  TVCLUnZip z(nullptr);
-  EXPECT_THROW(z.UnZipSelected(), EZipError);
-  z.SetZipName(f.zip);
-  z.ReadZip();
-  z.SetSelected(0, true);
-  EXPECT_THROW(z.UnZipSelected(), EZipError); // no DestDir
-  z.SetZipName(f.zip);                        // a new name forgets the directory
-  EXPECT_EQ(z.GetCount(), 0);
+  EXPECT_EQ(EntriesIn(f.dir / "flat"), 2u); // no folder, no temporary file left behind
 }
 
 TEST(TVCLUnZip, ExistingTargetsFollowTheOverwriteRule) {
   Fixture f;
-  f.dir.WriteFile("out/a.txt", "old");
   struct Case {
     TUZOverwriteMode mode;
     bool hasHandler, answer;
@@ -204,12 +193,10 @@ TEST(TVCLUnZip, ExistingTargetsFollowTheOverwriteRule) {
                {TUZOverwriteMode::Always, false, false, 1, "first member", 0}};
   for (const Case &c : cases) {
     f.dir.WriteFile("out/a.txt", "old");
-    TVCLUnZip z(nullptr);
-    z.SetZipName(f.zip);
-    z.ReadZip();
-    z.SetSelected(0, true);
-    z.SetDestDir(f.dir / "out");
-    z.OverwriteMode = c.mode;
+    auto z = Opened(f.zip);
+    z->SetSelected(0, true);
+    z->SetDestDir(f.dir / "out");
+    z->OverwriteMode = c.mode;
     int asked = 0;
     auto handler = [&](TObject *, bool &overwrite, const std::string &name) {
       ++asked;
@@ -217,8 +204,8 @@ TEST(TVCLUnZip, ExistingTargetsFollowTheOverwriteRule) {
       EXPECT_EQ(name, "a.txt");
       overwrite = c.answer;
     };
-    if (c.hasHandler) z.OnPromptForOverwrite = TUZOverwriteEvent::Of(&handler);
-    EXPECT_EQ(z.UnZipSelected(), c.expected);
+    if (c.hasHandler) z->OnPromptForOverwrite = TUZOverwriteEvent::Of(&handler);
+    EXPECT_EQ(z->UnZipSelected(), c.expected);
     EXPECT_EQ(ReadFileBytes(f.dir / "out/a.txt"), c.content);
     EXPECT_EQ(asked, c.asked);
   }
@@ -236,18 +223,16 @@ TEST(TVCLUnZip, StoredNamesNeverLeadOutsideTheDestination) {
   for (bool recreate : {true, false}) {
     SCOPED_TRACE(recreate);
     std::string dest = dir / (recreate ? "in/deep" : "flat/deep");
-    TVCLUnZip z(nullptr);
-    z.SetZipName(zip);
-    z.ReadZip();
-    ASSERT_EQ(z.GetCount(), 6);
-    EXPECT_EQ(z.GetPathname(0), "../");
-    EXPECT_EQ(z.GetFilename(0), "escape1.txt");
-    EXPECT_EQ(z.GetPathname(5), "a/../../"); // a backslash is a delimiter
-    for (int i = 0; i < z.GetCount(); ++i)
-      z.SetSelected(i, true);
-    z.RecreateDirs = recreate;
-    z.SetDestDir(dest);
-    EXPECT_EQ(z.UnZipSelected(), 6);
+    auto z = Opened(zip);
+    ASSERT_EQ(z->GetCount(), 6);
+    EXPECT_EQ(z->GetPathname(0), "../");
+    EXPECT_EQ(z->GetFilename(0), "escape1.txt");
+    EXPECT_EQ(z->GetPathname(5), "a/../../"); // a backslash is a delimiter
+    for (int i = 0; i < z->GetCount(); ++i)
+      z->SetSelected(i, true);
+    z->RecreateDirs = recreate;
+    z->SetDestDir(dest);
+    EXPECT_EQ(z->UnZipSelected(), 6);
     // Every file is below the destination, and nothing is anywhere else.
     int found = 0;
     for (const auto &e : fs::recursive_directory_iterator(dir.Path())) {
@@ -265,26 +250,21 @@ TEST(TVCLUnZip, StoredNamesNeverLeadOutsideTheDestination) {
 
 TEST(TVCLUnZip, LinksInTheDestinationAreNotFollowed) {
   TempDir dir;
-  std::string zip = dir / "l.zip";
-  WriteZip(zip, {{"sub/x.txt", "x"}, {"y.txt", "new"}});
-  fs::create_directories(dir / "dest");
-  fs::create_directories(dir / "outside");
+  WriteZip(dir / "l.zip", {{"sub/x.txt", "x"}, {"y.txt", "new"}});
   dir.WriteFile("outside/y.txt", "outside");
+  fs::create_directories(dir / "dest");
   fs::create_directory_symlink(dir / "outside", dir / "dest/sub");
   fs::create_symlink(dir / "outside/y.txt", dir / "dest/y.txt");
-
-  TVCLUnZip z(nullptr);
-  z.SetZipName(zip);
-  z.ReadZip();
-  z.SetSelected(0, true);
-  z.SetDestDir(dir / "dest");
-  EXPECT_THROW(z.UnZipSelected(), EZipError); // sub is a link, not a folder to enter
+  auto z = Opened(dir / "l.zip");
+  z->SetSelected(0, true);
+  z->SetDestDir(dir / "dest");
+  EXPECT_THROW(z->UnZipSelected(), EZipError); // sub is a link, not a folder to enter
   EXPECT_FALSE(fs::exists(dir / "outside/x.txt"));
 
-  z.ClearSelected();
-  z.SetSelected(1, true);
-  z.OverwriteMode = TUZOverwriteMode::Always;
-  EXPECT_EQ(z.UnZipSelected(), 1);
+  z->ClearSelected();
+  z->SetSelected(1, true);
+  z->OverwriteMode = TUZOverwriteMode::Always;
+  EXPECT_EQ(z->UnZipSelected(), 1);
   // The link itself was replaced; the file it pointed to is untouched.
   EXPECT_FALSE(fs::is_symlink(dir / "dest/y.txt"));
   EXPECT_EQ(ReadFileBytes(dir / "dest/y.txt"), "new");
@@ -294,20 +274,14 @@ TEST(TVCLUnZip, LinksInTheDestinationAreNotFollowed) {
 TEST(TVCLUnZip, DamagedMemberDataRaisesAndLeavesNoFile) {
   TempDir dir;
   std::string zip = dir / "crc.zip";
-  std::string payload = Repeat("0123456789", 50);
-  WriteZip(zip, {{"p.txt", payload, 0, true}}); // stored, so the bytes are in the file
+  WriteZip(zip, {{"p.txt", kCompressible, 0, true}}); // stored, so the bytes are in the file
   std::string bytes = ReadFileBytes(zip);
-  size_t at = bytes.find(payload);
-  ASSERT_NE(at, std::string::npos);
-  bytes[at + 100] = 'X'; // the directory is intact, the data no longer fits its CRC
+  bytes[bytes.find(kCompressible) + 100] = 'X'; // the data no longer fits its CRC
   dir.WriteFile("crc.zip", bytes);
-
-  TVCLUnZip z(nullptr);
-  z.SetZipName(zip);
-  z.ReadZip();
-  z.SetSelected(0, true);
-  z.SetDestDir(dir / "out");
-  EXPECT_THROW(z.UnZipSelected(), EZipError);
+  auto z = Opened(zip);
+  z->SetSelected(0, true);
+  z->SetDestDir(dir / "out");
+  EXPECT_THROW(z->UnZipSelected(), EZipError);
   EXPECT_TRUE(fs::is_empty(dir / "out"));
 }
 
