@@ -110,7 +110,7 @@ public:
   // but make the forms grow with the square of the positions): the pattern
   // is too large.
   static constexpr uint32_t MaxTerms = 1u << 22;
-  static constexpr size_t MaxPairs = size_t(1) << 23;
+  static constexpr size_t MaxPairs = size_t(1) << 22;
 
   TTerms();
   uint32_t Make(TTermKind Kind, uint32_t A, uint32_t B = 0);

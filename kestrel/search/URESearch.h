@@ -63,9 +63,10 @@ inline constexpr int32_t ErrNoOperand = -7;
 inline constexpr int32_t ErrTooLarge = -8;
 
 // Work units a compile may spend (stack pushes of bound copies, rewriting
-// steps, state-list entries, merge comparisons) before it is refused. About a
-// second of work; ordinary patterns use a tiny part of it.
-inline constexpr uint64_t CompileWorkLimit = uint64_t(1) << 24;
+// steps, state-list entries, merge comparisons) before it is refused: a few
+// hundredths of a second, ample for a{1,1500}; ordinary patterns use a tiny
+// part of it.
+inline constexpr uint64_t CompileWorkLimit = uint64_t(1) << 22;
 // States an automaton may have before reduction stops and the pattern is
 // refused (`(a|b)*a(a|b){20}` would need two million).
 inline constexpr uint32_t MaxStates = 8192;

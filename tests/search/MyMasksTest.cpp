@@ -15,13 +15,6 @@ struct Masks {
 };
 } // namespace
 
-TEST(TMyMask, RemembersItsText) {
-  TMyMask m("*.TXT");
-  EXPECT_EQ(m.MaskText, "*.TXT");
-  EXPECT_TRUE(m.Matches("a.txt"));
-  EXPECT_THROW(TMyMask("[a"), EMaskException);
-}
-
 TEST(TMyMasks, ListSyntax) {
   struct Row {
     const char *list;

@@ -1,4 +1,4 @@
-// The base of the search engines: the flags and the list of results.
+// The base of the search engines: the list of results.
 #include <gtest/gtest.h>
 
 #include <kestrel/frame/host/Exceptions.h>
@@ -11,17 +11,6 @@ namespace {
 
 using test::Matches;
 using test::ResultsOf;
-
-TEST(SearchFlags, OneByteWithTheFlagValuesOfTheStoredSet) {
-  using enum TSearchFlag;
-  const std::pair<TSearchFlag, uint8_t> flags[] = {{sfCaseSensitive, 1},
-                                                   {sfIgnoreNonSpacing, 2},
-                                                   {sfSpaceCompress, 4},
-                                                   {sfLeftBounded, 8},
-                                                   {sfRightBounded, 16}};
-  for (auto [flag, raw] : flags)
-    EXPECT_EQ(TSearchFlags{flag}.Raw(), raw);
-}
 
 TEST(SearchEngine, ResultsArePairsReadBackByIndexAndDeletedWhole) {
   TUTBMSearch e(nullptr);
@@ -37,22 +26,6 @@ TEST(SearchEngine, ResultsArePairsReadBackByIndexAndDeletedWhole) {
   EXPECT_THROW(e.DeleteResult(0x80000000u), EListError);
   EXPECT_THROW(e.DeleteResult(3), EListError);
   EXPECT_EQ(e.GetCount(), 3u); // a failed delete took nothing
-}
-
-TEST(SearchEngine, AFindReplacesTheResultsAndClearKeepsTheOwner) {
-  auto *owner = reinterpret_cast<TWideStrings *>(0x1000); // never read by the engine
-  TUTBMSearch e(owner);
-  e.FindPrepare(u"b", {});
-  EXPECT_TRUE(e.FindAll(u"bbb"));
-  uint32_t a = 0, b = 0;
-  EXPECT_TRUE(e.FindFirst(u"xb", a, b));
-  EXPECT_EQ(ResultsOf(e), (Matches{{1, 2}}));
-  EXPECT_FALSE(e.FindAll(u"xyz"));
-  EXPECT_EQ(e.GetCount(), 0u);
-  e.FindAll(u"b");
-  e.Clear();
-  EXPECT_EQ(e.GetCount(), 0u);
-  EXPECT_EQ(e.GetOwner(), owner);
 }
 
 } // namespace

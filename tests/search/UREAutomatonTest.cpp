@@ -73,33 +73,24 @@ TEST(UREAutomaton, StateCountsOfSmallPatterns) {
   }
 }
 
-TEST(UREAutomaton, StarIsOneAcceptingStateLoopingOnItself) {
-  EXPECT_EQ(DescribePattern(u"a*"), "0*: 0>0;");
+TEST(UREAutomaton, TablesOfSmallPatterns) {
+  EXPECT_EQ(DescribePattern(u"a*"), "0*: 0>0;"); // one accepting state looping on itself
   EXPECT_EQ(DescribePattern(u"ab"), "0: 0>1;1: 1>2;2*:;");
-}
-
-TEST(UREAutomaton, MergedStatesAreRenumberedWithoutGaps) {
-  // Behind a and behind d the states are first apart, then merged.
+  // Behind a and behind d the states are first apart, then merged and
+  // renumbered without gaps.
   EXPECT_EQ(DescribePattern(u"a(b|c)|d(c|b)"), "0: 0>1 3>1;1: 1>2 2>2;2*:;");
 }
 
 TEST(UREAutomaton, PatternsThatReadAlike) {
   const std::pair<std::u16string, std::u16string> same[] = {
-      {u"a|", u"a"},   {u"a()", u"aa"},    {u"a{0}", u"a*"},   {u"a{2,0}", u"a{2,}"},
-      {u"a{1}", u"a"}, {u"a{,}", u"a*"},   {u"a{0,1}", u"a?"}, {u"a{1,0}", u"a+"},
-      {u"ab)", u"ab"}, {u"(a)(b)", u"ab"}, {u"a{ 2 }", u"aa"}, {u"a{,2}", u"a?|aa"},
+      {u"a|", u"a"},         {u"a()", u"aa"},    {u"a{0}", u"a*"},   {u"a{2,0}", u"a{2,}"},
+      {u"a{1}", u"a"},       {u"a{,}", u"a*"},   {u"a{0,1}", u"a?"}, {u"a{1,0}", u"a+"},
+      {u"ab)", u"ab"},       {u"(a)(b)", u"ab"}, {u"a{ 2 }", u"aa"}, {u"a{,2}", u"a?|aa"},
+      {u"x(|a)", u"x(x|a)"}, // an empty alternative repeats the expression before it
   };
   for (const auto &[a, b] : same)
     EXPECT_EQ(DescribePattern(a), DescribePattern(b))
         << std::string(a.begin(), a.end()) << " vs " << std::string(b.begin(), b.end());
-}
-
-TEST(UREAutomaton, AnEmptyAlternativeRepeatsTheOneBeforeIt) {
-  // x(|a) is x(x|a): the bar keeps the current expression.
-  for (const std::u16string text : {u"xx", u"xa", u"x", u"xb", u"axxa"})
-    EXPECT_EQ(FindAllOf(u"x(|a)", text), FindAllOf(u"x(x|a)", text))
-        << std::string(text.begin(), text.end());
-  EXPECT_EQ(FindAllOf(u"x(|a)", u"xx"), (Matches{{0, 2}}));
 }
 
 TEST(UREAutomaton, NullableRepetitionsTerminate) {
@@ -135,25 +126,6 @@ TEST(UREAutomaton, NoTwoStatesBehaveAlikeAfterMerging) {
         EXPECT_FALSE(Alike(dfa, i, j)) << i << " " << j << " " << Describe(dfa);
   }
 }
-
-TEST(UREAutomaton, TheParseBufferKeepsItsExpressionsUntilTheNextCompile) {
-  TURESearch engine;
-  engine.FindPrepare(u"ab", CaseSensitive());
-  const TUREBuffer &b = engine.GetUREBuffer();
-  EXPECT_GT(b.ExpressionList.ExpressionsUsed, 0u);
-  EXPECT_FALSE(b.Reducing);
-  EXPECT_EQ(b.Stack.ListUsed, 0);
-  EXPECT_EQ(b.SymbolTable.SymbolsUsed, 0u); // moved to the automaton
-  engine.Clear();
-  EXPECT_EQ(engine.GetUREBuffer().ExpressionList.ExpressionsUsed, 0u);
-  EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
-}
-
-} // namespace
-} // namespace kestrel::test
-
-namespace kestrel::test {
-namespace {
 
 // A bound is the alternative of its spelled-out sequences, as the pattern
 // would be written by hand: both give the same automaton, state by state.

@@ -13,20 +13,16 @@
 #include <kestrel/search/WordBounds.h>
 #include <kestrel/unicode/Unicode.h>
 
+#include "URETestHelpers.h"
+
 namespace kestrel {
 namespace {
 
-using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+using test::Pairs;
 
 Pairs Find(const std::u16string &familiar, const std::u16string &text, bool fold) {
-  TURELongestMatch engine;
-  engine.FindPrepare(TranslateFamiliarSyntax(familiar, fold),
-                     fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
-  engine.FindAll(text);
-  Pairs out;
-  for (const auto &m : engine.Matches())
-    out.emplace_back(m.Start, m.Stop);
-  return out;
+  return test::LongestMatches(TranslateFamiliarSyntax(familiar, fold), text,
+                              fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive});
 }
 
 struct Found {
@@ -171,18 +167,14 @@ void ExpectClassIs(const std::u16string &pattern, bool fold,
     }
 }
 
-bool IsNd(UCS4 c) {
-  return UnicodeIsDigit(c);
-}
-
 // Zs, Zl and Zp of the character database.
 constexpr uint32_t Separators = (1u << 6) | (1u << 7) | (1u << 8);
 
 TEST(FamiliarSyntax, ClassesWithComplementsAreExact) {
   for (bool fold : {false, true}) {
     ExpectClassIs(u"[^\\W\\d_]", fold,
-                  [](UCS4 c) { return IsWordCharacter(c) && !IsNd(c) && c != u'_'; });
-    ExpectClassIs(u"[\\D\\p{Lu}]", fold, [&](UCS4 c) { return !IsNd(c); });
+                  [](UCS4 c) { return IsWordCharacter(c) && !UnicodeIsDigit(c) && c != u'_'; });
+    ExpectClassIs(u"[\\D\\p{Lu}]", fold, [&](UCS4 c) { return !UnicodeIsDigit(c); });
     ExpectClassIs(u"[^\\S\\n]", fold, [](UCS4 c) {
       return c != 0x0A &&
              (UnicodeTestProperties(c, Separators, 0) || c == 0x85 || (c >= 0x09 && c <= 0x0D));

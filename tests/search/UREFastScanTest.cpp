@@ -26,48 +26,16 @@ TEST(UREFastScan, LongTextsTakeTheFastPathWithTheSameResults) {
     for (bool fold : {false, true}) {
       TURESearch engine;
       engine.FindPrepare(p, fold ? TSearchFlags{} : CaseSensitive());
-      uint32_t run = 0, s = 0, e = 0, s2 = 0, e2 = 0;
-      while (run < text.size()) {
-        bool a = engine.ExecuteURE(0, text.data() + run, uint32_t(text.size() - run), s, e);
-        bool b = engine.ExecuteUREPlain(0, text.data() + run, uint32_t(text.size() - run), s2, e2);
-        ASSERT_EQ(a, b);
-        if (!a) break;
-        ASSERT_EQ(s, s2);
-        ASSERT_EQ(e, e2);
-        run += e > 0 ? e : 1;
-      }
+      ASSERT_EQ(ScanAll(engine, text, false), ScanAll(engine, text, true)) << Show(p) << fold;
     }
   }
-}
-
-} // namespace
-} // namespace kestrel::test
-
-namespace kestrel::test {
-namespace {
-
-// Every match of the scan with the accelerator and of the plain one, as
-// FindAll takes them.
-using Found = std::vector<std::pair<uint32_t, uint32_t>>;
-Found AllMatches(TURESearch &engine, const std::u16string &text, bool plain) {
-  Found out;
-  uint32_t run = 0, s = 0, e = 0;
-  while (run < text.size()) {
-    const uint32_t left = uint32_t(text.size() - run);
-    if (!(plain ? engine.ExecuteUREPlain(0, text.data() + run, left, s, e)
-                : engine.ExecuteURE(0, text.data() + run, left, s, e)))
-      break;
-    out.emplace_back(run + s, run + e);
-    run += e > 0 ? e : 1;
-  }
-  return out;
 }
 
 TEST(UREFastScan, TheLiteralJumpKeepsTheOnePassAnswers) {
   struct Row {
     std::u16string pattern, text;
     bool fold, jumps;
-    Found expected;
+    Matches expected;
   } rows[] = {
       // A failed attempt is not retried: "llanguage" holds no match.
       {u"language", u"llanguage language xlanguage", false, true, {{10, 18}, {20, 28}}},
@@ -88,8 +56,8 @@ TEST(UREFastScan, TheLiteralJumpKeepsTheOnePassAnswers) {
     engine.FindPrepare(r.pattern, r.fold ? TSearchFlags{} : CaseSensitive());
     const std::string shown(r.pattern.begin(), r.pattern.end());
     EXPECT_EQ(engine.GetFastScan().LiteralJumps(), r.jumps) << shown;
-    EXPECT_EQ(AllMatches(engine, r.text, false), r.expected) << shown;
-    EXPECT_EQ(AllMatches(engine, r.text, true), r.expected) << shown;
+    EXPECT_EQ(ScanAll(engine, r.text, false), r.expected) << shown;
+    EXPECT_EQ(ScanAll(engine, r.text, true), r.expected) << shown;
   }
 }
 
@@ -118,7 +86,7 @@ TEST(UREFastScan, RandomLiteralPatternsAgreeWithThePlainScan) {
       std::u16string text;
       for (size_t n = pick(150); n > 0; --n)
         text += units[pick(std::size(units))];
-      ASSERT_EQ(AllMatches(engine, text, false), AllMatches(engine, text, true))
+      ASSERT_EQ(ScanAll(engine, text, false), ScanAll(engine, text, true))
           << std::string(pattern.begin(), pattern.end()) << (fold ? " folded" : "");
     }
   }

@@ -8,6 +8,8 @@
 
 #include <kestrel/search/URELongestMatch.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel {
 namespace {
 
@@ -23,13 +25,6 @@ Matches Find(const std::u16string &pattern, const std::u16string &text, TSearchF
   engine.FindAll(text);
   if (used != nullptr) *used = engine.UsesLiteralFilter();
   return engine.Matches();
-}
-
-std::string Shown(const std::u16string &s) {
-  std::string out;
-  for (char16_t c : s)
-    out += c < 0x80 ? char(c) : '?';
-  return out;
 }
 
 TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
@@ -50,45 +45,17 @@ TEST(URELongestMatchLiteral, PatternsWithALiteralOfTwoPlainCharacters) {
       {u"\\uD83D\\uDE00x", Exact, false}, // a pair is no plain unit
       {u"kk", {}, false},                 // folded k is also the Kelvin sign: no probe
       {u"kkz", {}, true},                 // but z is one
+      {u"language", {TSearchFlag::sfCaseSensitive, TSearchFlag::sfLeftBounded}, false},
   };
   for (const Row &r : rows) {
     TURELongestMatch engine;
     engine.FindPrepare(r.pattern, r.flags);
-    EXPECT_EQ(engine.UsesLiteralFilter(), r.used) << Shown(r.pattern);
+    EXPECT_EQ(engine.UsesLiteralFilter(), r.used) << test::Show(r.pattern);
   }
-  TURELongestMatch bounded;
-  bounded.FindPrepare(u"language", {TSearchFlag::sfCaseSensitive, TSearchFlag::sfLeftBounded});
-  EXPECT_FALSE(bounded.UsesLiteralFilter());
   TURELongestMatch off;
   off.SetLiteralFilter(false);
   off.FindPrepare(u"language", Exact);
   EXPECT_FALSE(off.UsesLiteralFilter());
-}
-
-TEST(URELongestMatchLiteral, FindsWhatTheScanWithoutItFinds) {
-  struct Row {
-    std::u16string pattern, text;
-    TSearchFlags flags;
-    Matches expected;
-  } rows[] = {
-      {u"[a-z]+ing", u"the driving fishing beginning", Exact, {{4, 11}, {12, 19}, {20, 29}}},
-      {u"x[a-z]*ing", u"aaaxbbing xing xin ing", Exact, {{3, 9}, {10, 14}}},
-      {u"aab", u"aaaab aab", Exact, {{2, 5}, {6, 9}}}, // overlapping occurrences
-      {u"river", u"RiVeR river rive", {}, {{0, 5}, {6, 11}}},
-      {u"kkz", u"\u212Akz kkZ kz", {}, {{0, 3}, {4, 7}}},
-      {u"[^ ]*ab", u"\U0001F600ab \U0001F600\U0001F600xab", Exact, {{0, 4}, {5, 12}}},
-      {u"ab[0-9]+", u"ab ab1 xab22", Exact, {{3, 6}, {8, 12}}},
-      // Near the end of the text, where the vector loads stop.
-      {u"yz", std::u16string(37, u'y') + u"z", Exact, {{36, 38}}},
-      {u"(c|d)*ab", std::u16string(40, u'c') + u"ab", Exact, {{0, 42}}},
-  };
-  for (const Row &r : rows) {
-    bool used = false;
-    const Matches with = Find(r.pattern, r.text, r.flags, true, &used);
-    EXPECT_TRUE(used) << Shown(r.pattern);
-    EXPECT_EQ(with, r.expected) << Shown(r.pattern);
-    EXPECT_EQ(with, Find(r.pattern, r.text, r.flags, false)) << Shown(r.pattern);
-  }
 }
 
 // Patterns of a part before, a literal and a part after, over texts of a few
@@ -118,7 +85,8 @@ TEST(URELongestMatchLiteral, RandomPatternsAndTextsAgreeWithThePlainScan) {
         text += units[pick(std::size(units))];
       bool on = false;
       const Matches with = Find(pattern, text, flags, true, &on);
-      ASSERT_EQ(with, Find(pattern, text, flags, false)) << Shown(pattern) << " on " << Shown(text);
+      ASSERT_EQ(with, Find(pattern, text, flags, false))
+          << test::Show(pattern) << " on " << test::Show(text);
       used += on;
       ++cases;
     }

@@ -16,23 +16,9 @@ struct MatchCase {
   bool fold = false;
 };
 
-std::string Name(const MatchCase &c) {
-  return Show(c.pattern) + " on " + Show(c.text);
-}
-
-void Check(const MatchCase cases[], size_t n) {
-  for (size_t i = 0; i < n; ++i) {
-    const MatchCase &c = cases[i];
-    TURESearch engine;
-    engine.FindPrepare(c.pattern, c.fold ? TSearchFlags{} : CaseSensitive());
-    bool any = engine.FindAll(c.text);
-    EXPECT_EQ(ResultsOf(engine), c.expected) << Name(c);
-    EXPECT_EQ(any, !c.expected.empty()) << Name(c);
-  }
-}
-
-TEST(UREMatcher, OnePassWithoutRewinding) {
+TEST(UREMatcher, FindAll) {
   const MatchCase cases[] = {
+      // One pass without rewinding.
       {u"ab", u"xab", {{1, 3}}},
       {u"ab", u"aab", {}}, // the second a fails behind the first and is not tried again
       {u"ab", u"abab", {{0, 2}, {2, 4}}},
@@ -45,40 +31,27 @@ TEST(UREMatcher, OnePassWithoutRewinding) {
       {u"a+", u"baaab", {{1, 4}}},
       {u"a|b", u"abc", {{0, 1}, {1, 2}}},
       {u"colou?r", u"color colour", {{0, 5}, {6, 12}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, TheLaterSymbolWinsWhereTwoOverlap) {
-  const MatchCase cases[] = {
+      // The later symbol wins where two overlap.
       {u"ab|.c", u"ab", {}},
       {u"ab|.c", u"ac", {{0, 2}}},
       {u".b|ab", u"ab", {{0, 2}}},
       {u"[a-z]x|q", u"qx", {{0, 1}}}, // q stands later in the table and is taken
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, LineAnchors) {
-  const MatchCase cases[] = {{u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
-                             {u"^a", u"b\na", {{2, 3}}},
-                             {u"^a", u"\na", {}},
-                             {u"^a", u"b\r\na", {{3, 4}}},
-                             {u"^a", u"b\u2028a", {{2, 3}}},
-                             {u"a$", u"a\nb", {{0, 1}}},
-                             {u"a$", u"a", {{0, 1}}},
-                             {u"a$", u"a\n", {{0, 2}}},
-                             {u"a$", u"a\r\nb", {{0, 1}}},
-                             {u"a$", u"a\r\n", {{0, 3}}},
-                             {u"a$", u"a\u2029", {{0, 2}}},
-                             {u"b$", u"ab", {{1, 2}}},
-                             {u"$", u"ab", {}},
-                             {u"a$b", u"a\nb", {{0, 3}}}};
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, DotClassesAndPairs) {
-  const MatchCase cases[] = {
+      // Line anchors; CR LF is one break.
+      {u"^a", u"aaa", {{0, 1}, {1, 2}, {2, 3}}},
+      {u"^a", u"b\na", {{2, 3}}},
+      {u"^a", u"\na", {}},
+      {u"^a", u"b\r\na", {{3, 4}}},
+      {u"^a", u"b\u2028a", {{2, 3}}},
+      {u"a$", u"a\nb", {{0, 1}}},
+      {u"a$", u"a", {{0, 1}}},
+      {u"a$", u"a\n", {{0, 2}}},
+      {u"a$", u"a\r\nb", {{0, 1}}},
+      {u"a$", u"a\r\n", {{0, 3}}},
+      {u"a$", u"a\u2029", {{0, 2}}},
+      {u"b$", u"ab", {{1, 2}}},
+      {u"$", u"ab", {}},
+      {u"a$b", u"a\nb", {{0, 3}}},
+      // The dot, classes, properties and surrogate pairs.
       {u".", u"\u2028", {}},
       {u".", u"\n\r", {}},
       {u".", u"\U0001D400", {{0, 2}}},
@@ -91,7 +64,8 @@ TEST(UREMatcher, DotClassesAndPairs) {
       {u"[]a]", u"]ab", {{0, 1}, {1, 2}}},
       {u"[xa-]", u"xa-", {{0, 1}}},
       {u"[z-a]", u"m", {{0, 1}}},
-      {u"[[:digit:]]", u"5]", {{0, 2}}},
+      {u"[[:digit:]]", u"x[]5]]", {{1, 3}, {3, 5}}}, // a class of [ and digits, then ]
+      {u"\\x00415", u"xA5A", {{1, 3}}},              // hex escapes read four digits at most
       {u"[:space:]", u"a\t b\uFEFF", {{1, 2}, {2, 3}, {4, 5}}},
       {u"[:xdigit:]+", u"xBeEf9g", {{1, 6}}},
       {u"\\p3+", u"a12b\u0663", {{1, 3}, {4, 5}}},
@@ -100,12 +74,7 @@ TEST(UREMatcher, DotClassesAndPairs) {
       {u"[a\\P1]", u"\u0301", {{0, 1}}}, // but it matches the bidirectional bit
       {u"[a\\p3\\p5]", u"a5 ", {{0, 1}, {2, 3}}},
       {u"[a\\p5:digit:]", u"a5 x", {{0, 1}, {1, 2}, {2, 3}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, CaseFolding) {
-  const MatchCase cases[] = {
+      // Case folding.
       {u"[A-C]x", u"bX", {{0, 2}}, true},
       {u"[a-c]X", u"bX", {{0, 2}}, true},
       {u"[A-C]x", u"bX", {}, false},
@@ -116,13 +85,7 @@ TEST(UREMatcher, CaseFolding) {
       // capitals without a small form.
       {u"\\p10", u"Aa\u03d2", {{2, 3}}, true},
       {u"\\p10", u"Aa\u03d2", {{0, 1}, {2, 3}}, false},
-  };
-  Check(cases, std::size(cases));
-}
-
-// The decisions where the rules leave a choice.
-TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
-  const MatchCase cases[] = {
+      // An empty match is kept and stepped over, where the rules leave a choice.
       {u"^", u"ab", {{0, 0}, {1, 1}, {2, 2}}},
       {u"^$", u"", {{0, 0}}},
       {u"^$", u"a", {}},
@@ -131,19 +94,21 @@ TEST(UREMatcher, AnEmptyMatchIsKeptAndSteppedOver) {
       {u"a*", u"", {}},
       // An empty match further in moves the search only to its end.
       {u"^|ab", u"ac\nab", {{3, 3}, {3, 5}}},
-  };
-  Check(cases, std::size(cases));
-}
-
-TEST(UREMatcher, AStartAnchorLoopingOnItselfEnds) {
-  const MatchCase cases[] = {
+      // A start anchor looping on itself ends.
       {u"(^)*", u"ab", {{0, 1}, {1, 2}, {2, 2}}},
       {u"(^|a)+", u"ab", {{0, 1}, {1, 1}}},
       {u"(^|a)+", u"b", {{0, 0}}},
       {u"^^a", u"a", {{0, 1}}}, // a chain of anchors is no loop
       {u"(^a|b)+", u"abab", {{0, 2}, {2, 4}}},
   };
-  Check(cases, std::size(cases));
+  for (const MatchCase &c : cases) {
+    TURESearch engine;
+    engine.FindPrepare(c.pattern, c.fold ? TSearchFlags{} : CaseSensitive());
+    const bool any = engine.FindAll(c.text);
+    const std::string name = Show(c.pattern) + " on " + Show(c.text);
+    EXPECT_EQ(ResultsOf(engine), c.expected) << name;
+    EXPECT_EQ(any, !c.expected.empty()) << name;
+  }
 }
 
 TEST(UREMatcher, FindFirst) {
@@ -203,16 +168,19 @@ TEST(UREMatcher, MatchesPropertiesReadsEachBitsCategory) {
   EXPECT_TRUE(engine.MatchesProperties(0xFFFFFFFF, u'Q'));
 }
 
-TEST(UREMatcher, ResultsLastUntilTheNextFindOrClear) {
+TEST(UREMatcher, TheParseAndTheResultsLastUntilTheNextCompileOrClear) {
   TURESearch engine;
   engine.FindPrepare(u"b", CaseSensitive());
-  ASSERT_TRUE(engine.FindAll(u"abcb"));
-  EXPECT_EQ(engine.GetCount(), 2u);
-  EXPECT_FALSE(engine.FindAll(u"xyz"));
-  EXPECT_EQ(engine.GetCount(), 0u);
-  engine.FindAll(u"b");
+  const TUREBuffer &b = engine.GetUREBuffer();
+  EXPECT_GT(b.ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_FALSE(b.Reducing);
+  EXPECT_EQ(b.Stack.ListUsed, 0);
+  EXPECT_EQ(b.SymbolTable.SymbolsUsed, 0u); // moved to the automaton
+  ASSERT_TRUE(engine.FindAll(u"b"));
   engine.Clear();
   EXPECT_EQ(engine.GetCount(), 0u);
+  EXPECT_EQ(b.ExpressionList.ExpressionsUsed, 0u);
+  EXPECT_EQ(engine.GetDFA().StateList.StatesUsed, 0u);
   EXPECT_FALSE(engine.FindAll(u"b"));
 }
 

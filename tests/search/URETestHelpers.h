@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <kestrel/frame/host/Exceptions.h>
+#include <kestrel/search/URELongestMatch.h>
 #include <kestrel/search/URESearch.h>
 
 #include "support/TestSupport.h"
@@ -15,15 +16,6 @@ namespace kestrel::test {
 
 inline TSearchFlags CaseSensitive() {
   return TSearchFlags{TSearchFlag::sfCaseSensitive};
-}
-
-// FindAll of a pattern over a text (case-sensitive unless fold).
-inline Matches FindAllOf(const std::u16string &pattern, const std::u16string &text,
-                         bool fold = false) {
-  TURESearch engine;
-  engine.FindPrepare(pattern, fold ? TSearchFlags{} : CaseSensitive());
-  engine.FindAll(text);
-  return ResultsOf(engine);
 }
 
 // The message a pattern raises, or "" when it compiles.
@@ -57,6 +49,44 @@ inline bool Alike(const TDFA &dfa, uint32_t i, uint32_t j) {
     }
   }
   return true;
+}
+
+// Every match as FindAll takes them, by the accelerated scan or the plain one:
+// after an empty match the next scan starts a character further on.
+inline Matches ScanAll(TURESearch &engine, const std::u16string &text, bool plain) {
+  Matches out;
+  const uint32_t len = uint32_t(text.size());
+  uint32_t run = 0, s = 0, e = 0;
+  while (plain ? engine.ExecuteUREPlain(0, text.data() + run, len - run, s, e)
+               : engine.ExecuteURE(0, text.data() + run, len - run, s, e)) {
+    out.emplace_back(run + s, run + e);
+    run += e;
+    if (e > 0) continue;
+    if (run == len) break;
+    const bool pair =
+        run + 1 < len && IsHighSurrogateUnit(text[run]) && IsLowSurrogateUnit(text[run + 1]);
+    run += pair ? 2 : 1;
+  }
+  return out;
+}
+
+// The leftmost-longest engine's matches as start and stop pairs.
+using Pairs = std::vector<std::pair<uint32_t, uint32_t>>;
+
+inline Pairs PairsOf(const TURELongestMatch &engine) {
+  Pairs out;
+  for (const auto &m : engine.Matches())
+    out.emplace_back(m.Start, m.Stop);
+  return out;
+}
+
+inline Pairs LongestMatches(const std::u16string &pattern, const std::u16string &text,
+                            TSearchFlags flags, size_t cacheLimit = 8u << 20) {
+  TURELongestMatch engine;
+  engine.SetCacheLimit(cacheLimit);
+  engine.FindPrepare(pattern, flags);
+  engine.FindAll(text);
+  return PairsOf(engine);
 }
 
 } // namespace kestrel::test
