@@ -29,7 +29,6 @@ constexpr int32_t kAnyFile = 0x3F;
 struct Recorder {
   std::string root;
   Lines lines;
-  std::vector<TMySearchRec> recs;
   std::function<void(const TMySearchRec &)> onFile; // extra work per plain file
 
   Recorder(TPeruseDir &p, const std::string &folder) : root(folder + "/") {
@@ -45,11 +44,9 @@ struct Recorder {
   void ZipStart(const std::string &name) { lines.push_back("start " + Short(name)); }
   void Member(TMySearchRec &sr) {
     lines.push_back("member " + Short(sr.Name) + " #" + std::to_string(sr.ZipNumber));
-    recs.push_back(sr);
   }
   void File(TMySearchRec &sr) {
     lines.push_back("file " + sr.Name);
-    recs.push_back(sr);
     if (onFile) onFile(sr);
   }
   void ZipDone(int32_t n) { lines.push_back("done " + std::to_string(n)); }
@@ -255,12 +252,6 @@ TEST(PeruseDir, FoldersStopOnCarryOnAndYieldPerStep) {
   AYieldProcessProc = nullptr;
   EXPECT_GE(yields, 5);
 }
-
-} // namespace
-} // namespace kestrel
-
-namespace kestrel {
-namespace {
 
 // A caller that lists each folder it is told of (the walk may use that
 // reading for the step below) or some other folder (it must not) finds the

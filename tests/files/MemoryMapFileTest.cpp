@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstring>
 #include <string>
-#include <sys/resource.h>
 
 #include <kestrel/files/myStreamMemLists.h>
 #include <kestrel/frame/host/Exceptions.h>
@@ -14,6 +13,7 @@
 #include <kestrel/frame/platform/SharedMemory.h>
 
 #include "files/SharedRegionTestSupport.h"
+#include "support/FileSizeLimit.h"
 
 using namespace kestrel;
 using kestrel::test::InChild;
@@ -30,6 +30,15 @@ std::string Read(TFlexibleSizeMap &map, int32_t offset, int32_t count) {
 
 void Write(TFlexibleSizeMap &map, int32_t offset, const std::string &s) {
   map.WriteToMemmap(s.data(), offset, static_cast<int32_t>(s.size()));
+}
+
+// A map without a region: no handle, no view, no size, nothing to read or write.
+void ExpectClosed(TFlexibleSizeMap &map) {
+  EXPECT_EQ(map.fMapHandle, 0);
+  EXPECT_EQ(map.fView, nullptr);
+  EXPECT_EQ(map.fMapSize, 0);
+  EXPECT_EQ(Read(map, 0, 4), "");
+  EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
 }
 
 TEST(MemoryMapFile, CreatorWritesItsSizeAndOpenersTakeIt) {
@@ -88,13 +97,9 @@ TEST(MemoryMapFile, AccessOutsideTheRegionOrOnAClosedMapRaises) {
   EXPECT_EQ(map.GetMemL(4), 9);
 
   map.Close();
-  EXPECT_EQ(map.fMapSize, 0);
-  EXPECT_EQ(map.fView, nullptr);
-  EXPECT_EQ(map.fMapHandle, 0);
+  ExpectClosed(map);
   EXPECT_THROW(map.GetMemL(0), EAccessViolation);
-  EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
   EXPECT_THROW(Write(map, 4, "a"), EAccessViolation);
-  EXPECT_EQ(Read(map, 0, 4), "");
 }
 
 // A map that mends a fault by growing, or that claims to mend it and does not.
@@ -157,30 +162,24 @@ TEST(MemoryMapFile, ChecksizeReplacesTheRegionUnlessAnotherHoldsIt) {
 TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
   for (std::string name : {std::string("a/b"), std::string(300, 'n')}) {
     TFlexibleSizeMap map(name, 16);
-    EXPECT_EQ(map.fMapHandle, 0) << name.size();
-    EXPECT_EQ(map.fView, nullptr);
-    EXPECT_EQ(map.fMapSize, 0);
-    EXPECT_EQ(Read(map, 0, 4), "");
-    EXPECT_THROW(map.SetMemL(0, 1), EAccessViolation);
+    SCOPED_TRACE(name.size());
+    ExpectClosed(map);
   }
   EXPECT_EQ(OpenFileMappingA(FILE_MAP_ALL_ACCESS, false, "a/b"), 0);
   EXPECT_EQ(GetLastError(), uint32_t(EINVAL));
   EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, "zero"), 0);
   TFlexibleSizeMap negative(UniqueMapName("negative"), -8);
-  EXPECT_EQ(negative.fMapHandle, 0);
+  ExpectClosed(negative);
 }
 
 TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
   std::string name = UniqueMapName("full");
-  int status = InChild([&] {
-    std::signal(SIGXFSZ, SIG_IGN); // the room runs out at 64 KB
-    struct rlimit limit = {65536, 65536};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
+  {
+    test::FileSizeLimit room(65536);
     TFlexibleSizeMap map(name, 1 << 20);
-    if (map.fMapHandle != 0 || map.fMapSize != 0) return 1;
-    return GetLastError() == EFBIG ? 0 : 2;
-  });
-  EXPECT_EQ(status, 0);
+    EXPECT_EQ(GetLastError(), uint32_t(EFBIG));
+    ExpectClosed(map);
+  }
   EXPECT_FALSE(RegionExists(name));
 }
 

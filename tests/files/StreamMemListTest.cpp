@@ -61,7 +61,7 @@ public:
   const int32_t *readResult = nullptr; // a subclass that misreports
 };
 
-TEST(StreamMemList, ANewListHasAMapOfTheHeaderAlone) {
+TEST(StreamMemList, ANewListHasAMapOfTheHeaderAloneAndRoundTripsEmpty) {
   StringMemList list(UniqueMapName("new"));
   EXPECT_EQ(list.fMemmap->fMapSize, 4);
   EXPECT_EQ(list.fMemmap->GetMemL(0), 4);
@@ -69,10 +69,7 @@ TEST(StreamMemList, ANewListHasAMapOfTheHeaderAlone) {
   StringMemList unnamed("");
   EXPECT_EQ(unnamed.fMemmap->fMapName, "wordbuf_compartilhar");
   EXPECT_NE(unnamed.fMemmap->fView, nullptr);
-}
-
-TEST(StreamMemList, EmptyListRoundTrip) {
-  StringMemList list(UniqueMapName("empty"));
+  // An empty list round trip.
   EXPECT_TRUE(list.CopyToMemmap());
   EXPECT_EQ(list.fMemmap->GetMemL(0), 4);
   EXPECT_TRUE(list.LoadFromMemmap());

@@ -78,18 +78,10 @@ TEST(TextFiles, TheGivenEncodingDecidesOnlyLast) {
   // Valid UTF-8 wins over what is given.
   EXPECT_EQ(DecodeText("\xD0\xB4", cyrillic).Text, u"\u0434");
   const TTextEncoding latin2 = TextEncodingFromName("iso-8859-2");
-  EXPECT_EQ(DecodeText("\xE8"
-                       "esk\xE9",
-                       latin2)
-                .Text,
-            u"\u010desk\u00e9");
+  EXPECT_EQ(DecodeText("\xE8\x65sk\xE9", latin2).Text, u"\u010desk\u00e9");
   const TTextEncoding mac = TextEncodingFromName("x-mac-cyrillic");
   EXPECT_EQ(DecodeText("\xE4\xEE\xEC", mac).Text, u"\u0434\u043e\u043c");
-  EXPECT_EQ(DecodeText("\xFF\xFE"
-                       "a\0"s,
-                       cyrillic)
-                .Description(),
-            "UTF-16LE (byte-order mark)");
+  EXPECT_EQ(DecodeText("\xFF\xFE\x61\0"s, cyrillic).Description(), "UTF-16LE (byte-order mark)");
 }
 
 TEST(TextFiles, EncodingNames) {

@@ -55,12 +55,9 @@ protected:
     fs::create_symlink(dir / "block/devices/sdb/sdb1", dir / ("block/" + dev));
     SetRemovable(true);
     SetVolumeSources(dir / "mountinfo", dir / "disk", dir / "block");
-    Map('U', "usb");
-    Map('N', "net");
-    Map('D', "cd");
-    Map('M', "ram");
-    Map('P', "proc");
-    Map('F', "with blank");
+    const char *folders[] = {"usb", "net", "cd", "ram", "proc", "with blank"};
+    for (size_t i = 0; i < std::size(folders); ++i)
+      Map("UNDMPF"[i], folders[i]);
   }
   void TearDown() override {
     for (char d : mapped)

@@ -1,9 +1,11 @@
 // The file and folder functions of WinGenOk: new names, listings, questions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 #include <kestrel/files/WinGenOk.h>
 #include <kestrel/frame/host/Exceptions.h>
@@ -58,6 +60,16 @@ TEST(WinGenOkFiles, ForcedToBeNewFileNumbersTakenNames) {
   EXPECT_EQ(GetBatchFileStartNumber(), 0);
 }
 
+// StrForcedToBeNewFile on a buffer of `room` characters holding the name,
+// numbered from 0; the buffer afterwards.
+std::string StrForced(const std::string &name, size_t room) {
+  std::vector<char> buffer(std::max(room, name.size() + 1));
+  std::memcpy(buffer.data(), name.c_str(), name.size() + 1);
+  SetBatchFileStartNumberTo(0);
+  EXPECT_TRUE(StrForcedToBeNewFile(buffer.data(), room)) << name;
+  return buffer.data();
+}
+
 TEST(WinGenOkFiles, StrForcedToBeNewFileMakesAnEightCharacterStem) {
   TempDir dir;
   struct Case {
@@ -66,28 +78,13 @@ TEST(WinGenOkFiles, StrForcedToBeNewFileMakesAnEightCharacterStem) {
                {"LongFileName.Dat", "longfil1.dat"},
                {"noext", "noext001."},
                {"a.b.c", "a.b00001.c"}};
-  for (const Case &c : cases) {
-    SetBatchFileStartNumberTo(0);
-    char buf[512];
-    std::string full = dir / c.name;
-    std::snprintf(buf, sizeof buf, "%s", full.c_str());
-    EXPECT_TRUE(StrForcedToBeNewFile(buf, sizeof buf));
-    EXPECT_EQ(buf, dir / c.result) << c.name;
-  }
+  for (const Case &c : cases)
+    EXPECT_EQ(StrForced(dir / c.name, 512), dir / c.result) << c.name;
   dir.WriteFile("abc00001.txt", "");
   dir.WriteFile("abc00002.txt", "");
-  SetBatchFileStartNumberTo(0);
-  char buf[512];
-  std::snprintf(buf, sizeof buf, "%s", (dir / "abc.txt").c_str());
-  StrForcedToBeNewFile(buf, sizeof buf);
-  EXPECT_EQ(buf, dir / "abc00003.txt");
-
-  std::string exact = dir / "x.t", fits = dir / "x0000001.t";
-  std::vector<char> room(fits.size() + 1);
-  std::memcpy(room.data(), exact.c_str(), exact.size() + 1);
-  SetBatchFileStartNumberTo(0);
-  EXPECT_TRUE(StrForcedToBeNewFile(room.data(), room.size())); // just room for the terminator
-  EXPECT_EQ(std::string(room.data()), fits);
+  EXPECT_EQ(StrForced(dir / "abc.txt", 512), dir / "abc00003.txt");
+  const std::string fits = dir / "x0000001.t";
+  EXPECT_EQ(StrForced(dir / "x.t", fits.size() + 1), fits); // just room for the terminator
 
   std::string small = dir / "x.t";
   std::vector<char> tight(small.begin(), small.end());

@@ -10,8 +10,8 @@
 
 #include <kestrel/files/WinGenOk.h>
 #include <kestrel/files/WinGenOkInternal.h>
-#include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/host/DateUtils.h>
+#include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/frame/platform/Errors.h>
 #include <kestrel/frame/platform/Nls.h>
 

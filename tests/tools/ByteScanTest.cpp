@@ -16,21 +16,12 @@ namespace {
 
 // Bytes of text, now and then with something that is no UTF-8 or a control.
 std::string RandomBytes(std::mt19937 &rng, size_t n, bool spoil) {
-  static const std::vector<std::string> pieces = {"a",
-                                                  "b",
-                                                  " ",
-                                                  "\n",
-                                                  "\r",
-                                                  "\r\n",
-                                                  "\xC3\xA9",
-                                                  "\xE2\x80\xA8",
-                                                  "\xE2\x80\xA9",
-                                                  "\xE2\x80\x99",
-                                                  "\xF0\x9F\x98\x80",
-                                                  "\xED\xA0\x80",
-                                                  "\t",
-                                                  "\x1B",
-                                                  "xyzxyzxyzxyzxyz"};
+  static const std::vector<std::string> pieces = {
+      // ASCII and the line breaks of every kind
+      "a", "b", " ", "\n", "\r", "\r\n",
+      // two to four bytes, an encoded surrogate half, controls, a longer run
+      "\xC3\xA9", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\x99", "\xF0\x9F\x98\x80",
+      "\xED\xA0\x80", "\t", "\x1B", "xyzxyzxyzxyzxyz"};
   static const std::vector<std::string> spoilers = {
       "\xC0\xAF", "\xFF", "\x80", "\xF4\x90\x80\x80", "\xE0\x80\x80", "\x01", std::string(1, '\0')};
   std::string s;

@@ -33,47 +33,16 @@ const std::vector<Query> kQueries = {
     {u"kestrel", true},
 };
 
-// Pieces the texts are made of: the words looked for in their case forms
-// (the Kelvin sign and the long s among them), accents precomposed and
-// combining, astral characters, the line breaks of every kind.
-const std::vector<std::string> kPieces = {"kestrel",
-                                          "Kestrel",
-                                          "KESTREL",
-                                          "\xE2\x84\xAA"
-                                          "estrel",
-                                          "ke\xC5\xBFtrel",
-                                          "colour",
-                                          "color",
-                                          "COLOR",
-                                          "red",
-                                          "blue",
-                                          " ",
-                                          " ",
-                                          " ",
-                                          "  ",
-                                          "e",
-                                          "k",
-                                          "s",
-                                          "ss",
-                                          "\xC3\xA9t\xC3\xA9",
-                                          "\xC3\x89T\xC3\x89",
-                                          "e\xCC\x81",
-                                          "\xCC\x81",
-                                          "\xF0\x9F\x98\x80",
-                                          "\xF0\x9D\x90\x80",
-                                          "\xE4\xB8\xAD",
-                                          "\t",
-                                          ".",
-                                          ",",
-                                          "_",
-                                          "\n",
-                                          "\n",
-                                          "\r\n",
-                                          "\r",
-                                          "\xE2\x80\xA8",
-                                          "\xE2\x80\xA9",
-                                          "\n\n\n",
-                                          "\xE2\x80\x99"};
+// Pieces the texts are made of.
+const std::vector<std::string> kPieces = {
+    // the words looked for in their case forms, the Kelvin sign and the long s among them
+    "kestrel", "Kestrel", "KESTREL", "\u212Aestrel", "ke\xC5\xBFtrel", "colour", "color", "COLOR",
+    "red", "blue", " ", " ", " ", "  ", "e", "k", "s", "ss",
+    // accents precomposed and combining, astral characters
+    "\xC3\xA9t\xC3\xA9", "\xC3\x89T\xC3\x89", "e\xCC\x81", "\xCC\x81", "\xF0\x9F\x98\x80",
+    "\xF0\x9D\x90\x80", "\xE4\xB8\xAD", "\t", ".", ",", "_",
+    // the line breaks of every kind
+    "\n", "\n", "\r\n", "\r", "\xE2\x80\xA8", "\xE2\x80\xA9", "\n\n\n", "\xE2\x80\x99"};
 
 std::string RandomText(std::mt19937 &rng) {
   std::string text;
@@ -181,6 +150,16 @@ TEST(FastSearch, GivesThePlainWaysLinesOnRandomTexts) {
   EXPECT_GT(fast, 2000);
 }
 
+// The fast way's search of a text for the literal "kestrel"; false when it
+// leaves the text to the plain way.
+bool FastKestrel(const std::string &text, const FastSettings &s, FastResult &r) {
+  MatchOptions m;
+  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
+  EXPECT_TRUE(plan);
+  MemorySource source(text);
+  return plan && FastSearchText(source, *plan, *Matcher::Make(u"kestrel", m), s, r);
+}
+
 // Texts the plain way must decode: it gives them back with nothing found.
 TEST(FastSearch, LeavesTextsThatNeedDecodingToThePlainWay) {
   const std::vector<std::string> texts = {
@@ -190,16 +169,11 @@ TEST(FastSearch, LeavesTextsThatNeedDecodingToThePlainWay) {
       std::string("kestrel\0kestrel", 15),          // a control: maybe UTF-16
       "kestrel \xED\xA0\x80\xF4\x90\x80\x80",       // past U+10FFFF
   };
-  MatchOptions m;
-  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
-  ASSERT_TRUE(plan);
   FastSettings s;
   s.blockSize = 64;
   for (const std::string &t : texts) {
-    MemorySource source(t);
     FastResult r;
-    auto matcher = Matcher::Make(u"kestrel", m);
-    EXPECT_FALSE(FastSearchText(source, *plan, *matcher, s, r)) << ::testing::PrintToString(t);
+    EXPECT_FALSE(FastKestrel(t, s, r)) << ::testing::PrintToString(t);
     EXPECT_EQ(r.matches, 0u);
     EXPECT_TRUE(r.lines.empty());
   }
@@ -214,9 +188,6 @@ TEST(FastSearch, ControlsLeaveTextToThePlainWayOnlyWhenItMayBeUtf16) {
                 "\xD1\x80\xD1\x81\xD1\x82\xD1\x83\xD1\x84\xD1\x85\xD1\x86\xD1\x87";
   for (int i = 0; i < 6000; ++i)
     english += "the kestrel hovers\n";
-  MatchOptions m;
-  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
-  ASSERT_TRUE(plan);
   struct Row {
     std::string text;
     bool fast;
@@ -226,12 +197,10 @@ TEST(FastSearch, ControlsLeaveTextToThePlainWayOnlyWhenItMayBeUtf16) {
   for (const Row &row : rows) {
     ASSERT_EQ(DecodeText(row.text, DefaultTextEncoding()).Evidence, row.plainEvidence);
     for (size_t block : {size_t(1) << 20, size_t(4096)}) { // the start still held, or dropped
-      MemorySource source(row.text);
       FastResult r;
       FastSettings s;
       s.blockSize = block;
-      auto matcher = Matcher::Make(u"kestrel", m);
-      EXPECT_EQ(FastSearchText(source, *plan, *matcher, s, r), row.fast) << block;
+      EXPECT_EQ(FastKestrel(row.text, s, r), row.fast) << block;
       EXPECT_EQ(r.matches, row.fast ? 6000u : 0u);
     }
   }
@@ -263,12 +232,6 @@ TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
   }
 }
 
-} // namespace
-} // namespace kestrel::cli
-
-namespace kestrel::cli {
-namespace {
-
 // What is held stays bounded by the history, the longest line and a block or
 // two, however long the text and however dense the matches (contexts that
 // reach into the next lines read on, and must not keep all they read).
@@ -277,9 +240,6 @@ TEST(FastSearch, HoldsNoMoreThanTheLinesItNeeds) {
   std::mt19937 rng(9);
   while (text.size() < 2'000'000)
     text += rng() % 2 ? "the kestrel\n" : "kestrel and the wind over the fields\r\n";
-  MatchOptions m;
-  const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
-  ASSERT_TRUE(plan);
   for (int words : {0, 5}) {
     FastSettings s;
     s.blockSize = 4096;
@@ -287,10 +247,8 @@ TEST(FastSearch, HoldsNoMoreThanTheLinesItNeeds) {
     s.mostHeld = 64 << 10;
     s.mostLines = 1000;
     s.context.words = words;
-    MemorySource source(text);
     FastResult r;
-    auto matcher = Matcher::Make(u"kestrel", m);
-    EXPECT_TRUE(FastSearchText(source, *plan, *matcher, s, r)) << words;
+    EXPECT_TRUE(FastKestrel(text, s, r)) << words;
     EXPECT_TRUE(r.tooManyLines);
   }
 }

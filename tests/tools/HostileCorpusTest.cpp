@@ -7,89 +7,48 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "support/RunKestrel.h"
 #include "support/TestSupport.h"
 #include "support/ZipWriter.h"
 
 namespace {
 
+using kestrel::test::KestrelRun;
 using kestrel::test::ReadFileBytes;
 using kestrel::test::TempDir;
 using kestrel::test::WriteZip;
 namespace fs = std::filesystem;
 
-struct KestrelRun {
-  int status = -1; // -1: killed, or did not end in time
-  std::string out, err;
-};
-
 // Runs the built kestrel with these arguments, TMPDIR pointing at tmp, as
 // the user "nobody" when the tests run as the superuser (so that file
-// permissions hold), killed after `seconds`. signalAfterMs > 0 sends
-// SIGTERM that long after the start.
+// permissions hold), killed after `seconds`; signalAfterMs > 0 sends SIGTERM
+// that long after the start, addressSpaceMiB > 0 bounds its memory. The
+// status is -1 when a signal ended it.
 KestrelRun Kestrel(const std::vector<std::string> &args, const std::string &tmp, int seconds = 60,
-                   int signalAfterMs = 0, rlim_t addressSpace = RLIM_INFINITY) {
+                   int signalAfterMs = 0, int addressSpaceMiB = 0) {
   TempDir outputs;
-  ::chmod(outputs.Path().c_str(), 0777);
-  const std::string out = outputs / "out", err = outputs / "err";
-  const pid_t pid = ::fork();
-  if (pid == 0) {
-    const int o = ::open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    const int e = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    const int in = ::open("/dev/null", O_RDONLY);
-    ::dup2(o, 1);
-    ::dup2(e, 2);
-    ::dup2(in, 0);
-    ::setenv("TMPDIR", tmp.c_str(), 1);
-    const struct rlimit limit = {addressSpace, addressSpace};
-    if (addressSpace != RLIM_INFINITY && ::setrlimit(RLIMIT_AS, &limit) != 0) ::_exit(125);
-    if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) ::_exit(126);
-    const std::string program = std::string(KESTREL_BINARY_DIR) + "/tools/kestrel";
-    std::vector<char *> argv{const_cast<char *>(program.c_str())};
-    for (const std::string &a : args)
-      argv.push_back(const_cast<char *>(a.c_str()));
-    argv.push_back(nullptr);
-    ::execv(program.c_str(), argv.data());
-    ::_exit(127);
-  }
-  KestrelRun r;
-  int status = 0;
-  const auto start = std::chrono::steady_clock::now();
-  bool signalled = false;
-  for (;;) {
-    if (::waitpid(pid, &status, WNOHANG) == pid) {
-      r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-      break;
-    }
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
-                        std::chrono::steady_clock::now() - start)
-                        .count();
-    if (signalAfterMs > 0 && !signalled && ms >= signalAfterMs) {
-      ::kill(pid, SIGTERM);
-      signalled = true;
-    }
-    if (ms > seconds * 1000) {
-      ::kill(pid, SIGKILL);
-      ::waitpid(pid, &status, 0);
-      ADD_FAILURE() << "kestrel did not end within " << seconds << " s";
-      break;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  r.out = ReadFileBytes(out);
-  r.err = ReadFileBytes(err);
-  return r;
+  std::string line = "(";
+  if (addressSpaceMiB > 0) line += "ulimit -v " + std::to_string(addressSpaceMiB << 10) + "; ";
+  line += "TMPDIR='" + tmp + "' timeout -s KILL " + std::to_string(seconds) + " ";
+  if (signalAfterMs > 0) line += "timeout " + std::to_string(signalAfterMs / 1000.0) + " ";
+  if (::geteuid() == 0) line += "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+  line += std::string(KESTREL_BINARY_DIR) + "/tools/kestrel";
+  for (const std::string &a : args)
+    line += " '" + a + "'";
+  line += " </dev/null >" + outputs / "out" + " 2>" + outputs / "err" + ")";
+  const kestrel::test::ShellRun run = kestrel::test::RunShell(line);
+  if (run.status == 128 + SIGKILL)
+    ADD_FAILURE() << "kestrel did not end within " << seconds << " s";
+  return {run.status > 123 ? -1 : run.status, ReadFileBytes(outputs / "out"),
+          ReadFileBytes(outputs / "err")};
 }
 
 bool Has(const std::string &text, const std::string &part) {
@@ -103,13 +62,18 @@ std::vector<std::string> Left(const std::string &folder) {
   return names;
 }
 
+// A temporary folder that everyone may read.
+struct ReadableDir : TempDir {
+  ReadableDir() { ::chmod(Path().c_str(), 0755); }
+};
+
 // The corpus, in a folder that everyone may read; and an empty temporary
 // folder for the runs.
 struct Hostile {
-  TempDir dir, tmp;
+  ReadableDir dir;
+  TempDir tmp;
   std::string c = dir / "c";
   Hostile() {
-    ::chmod(dir.Path().c_str(), 0755);
     ::chmod(tmp.Path().c_str(), 0777);
     dir.WriteFile("c/a.txt", "a kestrel in a plain file\n");
     dir.WriteFile("c/sub/b.txt", "a kestrel in a sub-folder\n");
@@ -213,8 +177,7 @@ TEST(HostileCorpus, ATextBeyondTheMemoryIsOneFailureNamed) {
   GTEST_SKIP() << "a bound on the address space does not go with AddressSanitizer";
 #endif
 #endif
-  TempDir dir;
-  ::chmod(dir.Path().c_str(), 0755);
+  ReadableDir dir;
   dir.WriteFile("a.txt", "a kestrel\n");
   const std::string big = dir / "big.txt";
   const int fd = ::open(big.c_str(), O_WRONLY | O_CREAT, 0644);
@@ -223,7 +186,7 @@ TEST(HostileCorpus, ATextBeyondTheMemoryIsOneFailureNamed) {
   for (const char *command : {"search", "words"}) {
     std::vector<std::string> args{command, dir / "a.txt", big};
     if (args[0] == "search") args.insert(args.begin() + 1, "kestrel");
-    const KestrelRun r = Kestrel(args, dir.Path(), 60, 0, rlim_t(512) << 20);
+    const KestrelRun r = Kestrel(args, dir.Path(), 60, 0, 512);
     EXPECT_EQ(r.status, 2) << command << "\n" << r.err;
     EXPECT_TRUE(Has(r.err, big + ": out of memory")) << command << "\n" << r.err;
     EXPECT_TRUE(Has(r.out, "kestrel")) << command << "\n" << r.out;
@@ -245,8 +208,7 @@ TEST(HostileCorpus, IdentifyJudgesEveryFileItCanRead) {
 }
 
 TEST(HostileCorpus, SizesPast2GiBAreNotNegative) {
-  TempDir dir;
-  ::chmod(dir.Path().c_str(), 0755);
+  ReadableDir dir;
   const std::string big = dir / "big.txt";
   const int fd = ::open(big.c_str(), O_WRONLY | O_CREAT, 0644);
   ASSERT_EQ(::ftruncate(fd, int64_t(3) << 30), 0); // sparse: no disk taken
@@ -277,8 +239,7 @@ TEST(HostileCorpus, TerminatedSearchLeavesNoTemporaryFiles) {
 }
 
 TEST(HostileCorpus, ResultsPerTextAreBounded) {
-  TempDir dir;
-  ::chmod(dir.Path().c_str(), 0755);
+  ReadableDir dir;
   dir.WriteFile("a.txt", std::string(50000, 'a') + "\n");
   const std::string a = dir / "a.txt";
   struct Row {
@@ -314,8 +275,7 @@ TEST(HostileCorpus, ResultsPerTextAreBounded) {
 }
 
 TEST(HostileCorpus, HostilePatternsAreRefusedQuicklyAndBriefly) {
-  TempDir dir;
-  ::chmod(dir.Path().c_str(), 0755);
+  ReadableDir dir;
   dir.WriteFile("a.txt", "aaaaaaaaaaaa\n");
   dir.WriteFile("long.txt", std::string(500000, '(') + "a");
   for (const char *engine : {"--regex", "--single-pass"}) {
@@ -338,8 +298,7 @@ TEST(HostileCorpus, HostilePatternsAreRefusedQuicklyAndBriefly) {
 TEST(HostileCorpus, AnArchiveIsReadOnceForAllItsMembers) {
   // Reading each member from a fresh reading of the archive took minutes
   // for a few thousand members; once for all, well under a second.
-  TempDir dir;
-  ::chmod(dir.Path().c_str(), 0755);
+  ReadableDir dir;
   std::vector<kestrel::test::ZipEntry> members;
   for (int i = 0; i < 4000; ++i)
     members.push_back({"m" + std::to_string(i) + ".txt", "kestrel " + std::to_string(i) + "\n"});

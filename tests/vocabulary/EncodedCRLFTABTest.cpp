@@ -10,45 +10,34 @@ namespace {
 
 const std::u16string kStar(1, 29), kQuestion(1, 28), kHash(1, 27);
 
-TEST(EncodedCRLFTAB, Encodes) {
+TEST(EncodedCRLFTAB, EncodesAndDecodes) {
   struct Case {
+    bool encode;
     std::u16string text, expected;
   };
   const Case cases[] = {
-      {u"a*b", u"a" + kStar + u"b"},
-      {u"a*b*c", u"a" + kStar + u"b" + kStar + u"c"},
-      {u"a?b#c", u"a" + kQuestion + u"b" + kHash + u"c"},
+      {true, u"a*b", u"a" + kStar + u"b"},
+      {true, u"a*b*c", u"a" + kStar + u"b" + kStar + u"c"},
+      {true, u"a?b#c", u"a" + kQuestion + u"b" + kHash + u"c"},
       // At either end of the text, or next to a double quote, a wildcard stays.
-      {u"*ab*", u"*ab*"},
-      {u"?", u"?"},
-      {u"a\"*b", u"a\"*b"},
-      {u"a*\"b", u"a*\"b"},
-      {u"x<Enter>y<Tab>z", u"x\r\ny\tz"},
-      {u"<Enter><Enter>", u"\r\n\r\n"},
+      {true, u"*ab*", u"*ab*"},
+      {true, u"?", u"?"},
+      {true, u"a\"*b", u"a\"*b"},
+      {true, u"a*\"b", u"a*\"b"},
+      {true, u"x<Enter>y<Tab>z", u"x\r\ny\tz"},
+      {true, u"<Enter><Enter>", u"\r\n\r\n"},
       // Only these capitals.
-      {u"<enter><TAB><Enter >", u"<enter><TAB><Enter >"},
-      {u"", u""},
-  };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(std::string(c.text.begin(), c.text.end()));
-    EXPECT_EQ(EncodedCRLFTAB(c.text), c.expected);
-  }
-}
-
-TEST(EncodedCRLFTAB, Decodes) {
-  struct Case {
-    std::u16string text, expected;
-  };
-  const Case cases[] = {
-      {kStar + kQuestion + kHash, u"*?#"},
-      {u"a\r\nb\tc", u"a<Enter>b<Tab>c"},
+      {true, u"<enter><TAB><Enter >", u"<enter><TAB><Enter >"},
+      {true, u"", u""},
+      {false, kStar + kQuestion + kHash, u"*?#"},
+      {false, u"a\r\nb\tc", u"a<Enter>b<Tab>c"},
       // A lone carriage return or line feed is no line end.
-      {u"a\rb\nc\n\r", u"a\rb\nc\n\r"},
-      {u"*x*", u"*x*"},
+      {false, u"a\rb\nc\n\r", u"a\rb\nc\n\r"},
+      {false, u"*x*", u"*x*"},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(std::string(c.text.begin(), c.text.end()));
-    EXPECT_EQ(DecodedCRLFTAB(c.text), c.expected);
+    EXPECT_EQ(c.encode ? EncodedCRLFTAB(c.text) : DecodedCRLFTAB(c.text), c.expected);
   }
 }
 

@@ -3,7 +3,8 @@
 
 #include <cstring>
 
-#include "StreamBytes.h"
+#include "FullStream.h"
+#include "support/TestSupport.h"
 #include <kestrel/frame/host/Exceptions.h>
 #include <kestrel/vocabulary/Vocabulary.h>
 
@@ -11,10 +12,9 @@ namespace kestrel {
 namespace {
 
 using enum typeface_type;
-using test::Bytes;
-using test::BytesStream;
+using test::BytesOf;
 using test::FullStream;
-using test::StreamBytes;
+using test::StreamOf;
 
 const TMyCanvasFontRec kColours = {0x00112233, 0x000000FF, 0x00FFFFFF, -16};
 const TMyCanvasFontRec kOther = {1, 2, 3, 4};
@@ -63,17 +63,16 @@ TEST(ExtraFontList, IndexOutOfRangeGivesZeroAndChangesNothing) {
 }
 
 // A count, then 28-byte records: numbers, four colours, typeface, fill.
-const Bytes kTwoFonts = {
-    0x02, 0x00, 0x00, 0x00,                         // count
-    0x01, 0x00, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, // 1, -1
-    0x33, 0x22, 0x11, 0x00, 0xFF, 0x00, 0x00, 0x00, // base_fore, highlight_fore
-    0xFF, 0xFF, 0xFF, 0x00, 0xF0, 0xFF, 0xFF, 0xFF, // base_back, highlight_back
-    0x0A, 0x00, 0x00, 0x00,                         // bold and underline, fill
-    0x10, 0x00, 0x00, 0x00, 0x20, 0x00, 0x00, 0x00, // 16, 32
-    0x01, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, // colours 1, 2
-    0x03, 0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, // colours 3, 4
-    0x11, 0xAA, 0xBB, 0xCC,                         // normal and strikeout, fill kept
-};
+const std::string kTwoFonts("\x02\x00\x00\x00"                 // count
+                            "\x01\x00\x00\x00\xFF\xFF\xFF\xFF" // 1, -1
+                            "\x33\x22\x11\x00\xFF\x00\x00\x00" // base_fore, highlight_fore
+                            "\xFF\xFF\xFF\x00\xF0\xFF\xFF\xFF" // base_back, highlight_back
+                            "\x0A\x00\x00\x00"                 // bold and underline, fill
+                            "\x10\x00\x00\x00\x20\x00\x00\x00" // 16, 32
+                            "\x01\x00\x00\x00\x02\x00\x00\x00" // colours 1, 2
+                            "\x03\x00\x00\x00\x04\x00\x00\x00" // colours 3, 4
+                            "\x11\xAA\xBB\xCC",                // normal and strikeout, fill kept
+                            4 + 2 * 28);
 
 TEST(ExtraFontListStream, SavedByteForByteAndReadBackWithItsFill) {
   TExtraFontList list;
@@ -85,12 +84,11 @@ TEST(ExtraFontListStream, SavedByteForByteAndReadBackWithItsFill) {
   list.SetAFontFrec(1, withFill);
   TMemoryStream out;
   ASSERT_TRUE(list.SaveToStream(&out));
-  ASSERT_EQ(StreamBytes(out), kTwoFonts);
+  ASSERT_EQ(BytesOf(out), kTwoFonts);
 
   TExtraFontList back;
   back.AddOne(100, 200); // reading appends
-  BytesStream in(kTwoFonts);
-  ASSERT_TRUE(back.ReadFromStream(&in));
+  ASSERT_TRUE(back.ReadFromStream(StreamOf(kTwoFonts).get()));
   ASSERT_EQ(back.Count(), 3);
   EXPECT_EQ(back.GetAFontFrec(0).extra_first, 100);
   for (int32_t i = 0; i < 2; ++i)
@@ -98,30 +96,26 @@ TEST(ExtraFontListStream, SavedByteForByteAndReadBackWithItsFill) {
 }
 
 TEST(ExtraFontListStream, EmptyAndNegativeCountsReadNothing) {
-  for (Bytes bytes : {Bytes{0, 0, 0, 0}, Bytes{0xFF, 0xFF, 0xFF, 0xFF}}) {
+  for (const std::string &bytes : {std::string(4, '\0'), std::string(4, '\xFF')}) {
     TExtraFontList list;
-    BytesStream in(bytes);
-    EXPECT_TRUE(list.ReadFromStream(&in));
+    EXPECT_TRUE(list.ReadFromStream(StreamOf(bytes).get()));
     EXPECT_EQ(list.Count(), 0);
   }
   TExtraFontList empty;
   TMemoryStream out;
   ASSERT_TRUE(empty.SaveToStream(&out));
-  EXPECT_EQ(StreamBytes(out), (Bytes{0, 0, 0, 0}));
+  EXPECT_EQ(BytesOf(out), std::string(4, '\0'));
 }
 
 TEST(ExtraFontListStream, StreamErrorsReachTheCallerAndWholeRecordsStay) {
   // Two records announced, one and a half there.
-  Bytes cut(kTwoFonts.begin(), kTwoFonts.begin() + 4 + 28 + 14);
   TExtraFontList list;
-  BytesStream in(cut);
-  EXPECT_THROW(list.ReadFromStream(&in), EReadError);
+  EXPECT_THROW(list.ReadFromStream(StreamOf(kTwoFonts.substr(0, 4 + 28 + 14)).get()), EReadError);
   ASSERT_EQ(list.Count(), 1);
   EXPECT_EQ(list.GetAFontFrec(0).extra_first, 1);
 
   TExtraFontList noCount;
-  BytesStream three({1, 0, 0});
-  EXPECT_THROW(noCount.ReadFromStream(&three), EReadError);
+  EXPECT_THROW(noCount.ReadFromStream(StreamOf(std::string("\1\0\0", 3)).get()), EReadError);
   EXPECT_EQ(noCount.Count(), 0);
 
   FullStream tight(30);

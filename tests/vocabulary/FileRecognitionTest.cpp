@@ -126,13 +126,15 @@ TEST(StoredFileOlder, HeadsAndSizes) {
   }
 }
 
-TEST(StoredFileAny, MissingFileIsFalseAndUnopenableFileRaises) {
+TEST(StoredFileAny, MissingFileOrFolderIsFalseAndUnopenableFileRaises) {
   TempDir dir;
   for (auto test : {IsAnOldMarlowickFile, WasAMarlowick32BitFile, IsAMarlowick32BitFile}) {
-    const Answer a = Ask(dir / "missing", test);
-    EXPECT_FALSE(a.result);
-    EXPECT_EQ(a.kind, none_in_use);
-    EXPECT_EQ(a.count, 0);
+    for (const std::string &name : {dir / "missing", dir.Path()}) {
+      const Answer a = Ask(name, test);
+      EXPECT_FALSE(a.result) << name;
+      EXPECT_EQ(a.kind, none_in_use);
+      EXPECT_EQ(a.count, 0);
+    }
   }
   // A file held without sharing by another open can't be opened: that
   // failure is the caller's to see, and it leaves no handle behind.
@@ -150,14 +152,6 @@ TEST(StoredFileAny, MissingFileIsFalseAndUnopenableFileRaises) {
   TMKStored_File_rec rec;
   rec.stored_file_name = dir / "held";
   EXPECT_TRUE(IsAMarlowick32BitFile(rec)); // the tests closed their streams
-}
-
-TEST(StoredFileAny, AFolderIsNoStoredFile) {
-  TempDir dir;
-  TMKStored_File_rec rec;
-  rec.stored_file_name = dir.Path();
-  EXPECT_FALSE(IsAMarlowick32BitFile(rec));
-  EXPECT_FALSE(IsAnOldMarlowickFile(rec));
 }
 
 TEST(BatchZip, CommentNamesTheKind) {

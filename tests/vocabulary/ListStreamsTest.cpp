@@ -1,16 +1,16 @@
 // The stream forms of TSmallintList and TSmallAndLongintList, byte for byte.
 #include <gtest/gtest.h>
 
-#include "StreamBytes.h"
+#include "FullStream.h"
+#include "support/TestSupport.h"
 #include <kestrel/vocabulary/Vocabulary.h>
 
 namespace kestrel {
 namespace {
 
-using test::Bytes;
-using test::BytesStream;
+using test::BytesOf;
 using test::FullStream;
-using test::StreamBytes;
+using test::StreamOf;
 
 std::vector<int16_t> Values(const TSmallintList &list) {
   std::vector<int16_t> values;
@@ -32,18 +32,17 @@ TEST(SmallintListStream, ValuesWithNoCount) {
     list.Add(new TSmallIntHolder(v));
   TMemoryStream out;
   ASSERT_TRUE(list.SaveToStream(&out));
-  const Bytes expected = {0x01, 0x00, 0xFE, 0xFF, 0x34, 0x12};
-  ASSERT_EQ(StreamBytes(out), expected);
+  const std::string expected("\x01\x00\xFE\xFF\x34\x12", 6);
+  ASSERT_EQ(BytesOf(out), expected);
 
   TSmallintList back;
   back.Add(new TSmallIntHolder(7)); // reading appends
-  BytesStream in(expected);
-  EXPECT_TRUE(back.ReadFromStream(3, &in));
+  EXPECT_TRUE(back.ReadFromStream(3, StreamOf(expected).get()));
   EXPECT_EQ(Values(back), (std::vector<int16_t>{7, 1, -2, 0x1234}));
 }
 
 TEST(SmallintListStream, CountIsItsLow16BitsAsASignedNumber) {
-  const Bytes bytes = {1, 0, 2, 0, 3, 0};
+  const std::string bytes("\1\0\2\0\3\0", 6);
   struct Case {
     int32_t count;
     size_t read;
@@ -53,16 +52,14 @@ TEST(SmallintListStream, CountIsItsLow16BitsAsASignedNumber) {
                  Case{0x7FFF0001, 1}}) {
     SCOPED_TRACE(c.count);
     TSmallintList list;
-    BytesStream in(bytes);
-    EXPECT_TRUE(list.ReadFromStream(c.count, &in));
+    EXPECT_TRUE(list.ReadFromStream(c.count, StreamOf(bytes).get()));
     EXPECT_EQ(size_t(list.Count()), c.read);
   }
 }
 
 TEST(SmallintListStream, StreamEndingEarlyKeepsTheWholeItemsAndFails) {
   TSmallintList list;
-  BytesStream in({5, 0, 6, 0, 7});
-  EXPECT_FALSE(list.ReadFromStream(3, &in));
+  EXPECT_FALSE(list.ReadFromStream(3, StreamOf(std::string("\5\0\6\0\7", 5)).get()));
   EXPECT_EQ(Values(list), (std::vector<int16_t>{5, 6}));
   EXPECT_FALSE(list.ReadFromStream(1, nullptr));
 }
@@ -73,25 +70,25 @@ TEST(SmallAndLongintListStream, EightByteRecordsWithZeroFill) {
   list.Add(new TSmallAndLongintHolder({-1, -2}));
   TMemoryStream out;
   ASSERT_TRUE(list.SaveToStream(&out));
-  const Bytes expected = {0x01, 0x00, 0x00, 0x00, 0x04, 0x03, 0x02, 0x01,
-                          0xFF, 0xFF, 0x00, 0x00, 0xFE, 0xFF, 0xFF, 0xFF};
-  ASSERT_EQ(StreamBytes(out), expected);
+  const std::string expected("\x01\x00\x00\x00\x04\x03\x02\x01"
+                             "\xFF\xFF\x00\x00\xFE\xFF\xFF\xFF",
+                             16);
+  ASSERT_EQ(BytesOf(out), expected);
 
   TSmallAndLongintList back;
-  BytesStream in(expected);
-  EXPECT_TRUE(back.ReadFromStream(2, &in));
+  EXPECT_TRUE(back.ReadFromStream(2, StreamOf(expected).get()));
   EXPECT_EQ(Values(back), Values(list));
 }
 
 TEST(SmallAndLongintListStream, FillBytesReadAreIgnoredAndShortStreamsFail) {
   // The fill of the first record holds 0xAA 0xBB; the second record is cut.
-  BytesStream in({0x09, 0x00, 0xAA, 0xBB, 0x01, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00});
+  const std::string bytes("\x09\x00\xAA\xBB\x01\x00\x00\x00\x02\x00\x00", 11);
   TSmallAndLongintList list;
-  EXPECT_FALSE(list.ReadFromStream(2, &in));
+  EXPECT_FALSE(list.ReadFromStream(2, StreamOf(bytes).get()));
   EXPECT_EQ(Values(list), (std::vector<std::pair<int16_t, int32_t>>{{9, 1}}));
   TMemoryStream out;
   ASSERT_TRUE(list.SaveToStream(&out));
-  EXPECT_EQ(StreamBytes(out), (Bytes{0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00}));
+  EXPECT_EQ(BytesOf(out), std::string("\x09\x00\x00\x00\x01\x00\x00\x00", 8));
 }
 
 TEST(ListStreams, AStreamThatTakesNoMoreFailsTheSave) {

@@ -74,7 +74,7 @@ TEST(SelectionRecord, SplitsIntoHeadWildcardsAndTail) {
   }
 }
 
-TEST(SelectionRecord, FieldsAreCutAtEightyCharacters) {
+TEST(SelectionRecord, FieldsAreCutAtEightyCharactersAndReadToTheirEnd) {
   const std::u16string head(100, u'h'), tail(90, u't');
   const TSelectTextFile_RecW rec = WideStringToTSelectTextFile_RecW(head + u"*" + tail);
   EXPECT_EQ(std::u16string(rec.select_head), head.substr(0, 80));
@@ -82,15 +82,13 @@ TEST(SelectionRecord, FieldsAreCutAtEightyCharacters) {
   EXPECT_EQ(std::u16string(rec.select_tail), tail.substr(0, 80));
   EXPECT_EQ(rec.select_head[80], 0);
   EXPECT_EQ(rec.select_tail[80], 0);
-}
-
-TEST(SelectionRecord, UnterminatedFieldsAreReadToTheirEndOnly) {
-  TSelectTextFile_RecW rec;
-  std::memset(&rec, 0, sizeof rec);
-  std::fill_n(rec.select_head, 81, u'h');
-  std::fill_n(rec.select_wildcards, 81, char16_t(29));
-  std::fill_n(rec.select_tail, 81, u't');
-  EXPECT_EQ(TSelectTextFile_RecWToWideString(rec),
+  // Fields without a terminator are read to their end only.
+  TSelectTextFile_RecW full;
+  std::memset(&full, 0, sizeof full);
+  std::fill_n(full.select_head, 81, u'h');
+  std::fill_n(full.select_wildcards, 81, char16_t(29));
+  std::fill_n(full.select_tail, 81, u't');
+  EXPECT_EQ(TSelectTextFile_RecWToWideString(full),
             std::u16string(81, u'h') + std::u16string(81, u'*') + std::u16string(81, u't'));
 }
 

@@ -30,40 +30,32 @@ TEST(SettingsStrings, ClearingCharactersAndSubstrings) {
   }
 }
 
-TEST(SettingsStrings, CorrectedPathname) {
+TEST(SettingsStrings, CorrectedPathnameAndCutOutsideQuotes) {
   struct Case {
-    const char *path, *expected;
-  };
-  const Case cases[] = {
-      {"C:", "C:/"},
-      {"c:", "c:/"},
-      {" \tD:\r\n", "D:/"},
-      {"C:texts", "C:/texts"},
-      {"C:/texts", "C:/texts"},
-      {"  /home/me/texts \t", "/home/me/texts"},
-      {"ab", "ab"},
-      {"a:b:c", "a:/b:c"},
-      {"x", "x"},
-      {"", ""},
-  };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.path);
-    EXPECT_EQ(CorrectedPathname(c.path), c.expected);
-  }
-}
-
-TEST(SettingsStrings, CutOutsideQuotes) {
-  struct Case {
+    std::string (*function)(std::string_view);
     const char *text, *expected;
   };
   const Case cases[] = {
-      {"\"abc\"", "abc"}, {"\"\"", ""},           {"\"", ""}, {"\"abc", "\"abc"},
-      {"abc\"", "abc\""}, {"a\"b\"c", "a\"b\"c"}, {"", ""},
+      {CorrectedPathname, "C:", "C:/"},
+      {CorrectedPathname, "c:", "c:/"},
+      {CorrectedPathname, " \tD:\r\n", "D:/"},
+      {CorrectedPathname, "C:texts", "C:/texts"},
+      {CorrectedPathname, "C:/texts", "C:/texts"},
+      {CorrectedPathname, "  /home/me/texts \t", "/home/me/texts"},
+      {CorrectedPathname, "ab", "ab"},
+      {CorrectedPathname, "a:b:c", "a:/b:c"},
+      {CorrectedPathname, "x", "x"},
+      {CorrectedPathname, "", ""},
+      {CutOutsideQuotes, "\"abc\"", "abc"},
+      {CutOutsideQuotes, "\"\"", ""},
+      {CutOutsideQuotes, "\"", ""},
+      {CutOutsideQuotes, "\"abc", "\"abc"},
+      {CutOutsideQuotes, "abc\"", "abc\""},
+      {CutOutsideQuotes, "a\"b\"c", "a\"b\"c"},
+      {CutOutsideQuotes, "", ""},
   };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(CutOutsideQuotes(c.text), c.expected);
-  }
+  for (const Case &c : cases)
+    EXPECT_EQ(c.function(c.text), c.expected) << c.text;
 }
 
 TEST(SettingsStrings, DecimalFormattedKeepsThreeCharactersAtLeast) {

@@ -1,7 +1,6 @@
 // Stored heads by signature, and names of files within archives.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "TestSupport.h"
@@ -51,15 +50,6 @@ TEST(DiskFileType, LengthByteBeyondTheFieldIsCut) {
   h.signature.len = 200; // hostile length: only the 40 characters count
   EXPECT_EQ(h.signature.view().size(), 40u);
   EXPECT_EQ(DiskFileType(h), none_in_use);
-}
-
-TEST(DiskFileType, HeadLayoutOnDisk) {
-  TCheckSignature h = Head("Concordance32", 0x01020304);
-  const auto *bytes = reinterpret_cast<const uint8_t *>(&h);
-  EXPECT_EQ(bytes[0], 0x04);
-  EXPECT_EQ(bytes[3], 0x01);
-  EXPECT_EQ(bytes[16], 13);
-  EXPECT_EQ(std::memcmp(bytes + 17, "Concordance32", 13), 0);
 }
 
 TEST(ZipNames, ExtensionTest) {

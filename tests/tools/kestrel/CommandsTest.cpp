@@ -15,6 +15,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <kestrel/files/TextFiles.h>
+
 #include "support/RunKestrel.h"
 #include "support/TestSupport.h"
 #include "support/ZipWriter.h"
@@ -161,6 +163,60 @@ const Row kRows[] = {
     {"words-damaged-archive", {"words", "bad.zip"}},
     {"words-missing-file", {"words", "missing.txt", "flags.txt"}},
     {"words-folder-recursive", {"words", "--recursive", "--top", "3", "corpus"}},
+    // search as a concordance: sorts under a locale, export formats, contexts, counts.
+    {"concordance-corpus-order", {"search", "--format", "tsv", "kestrel", "sorts.txt"}},
+    {"concordance-right-de", {"search", "--format", "tsv", "--sort", "right", "--locale", "de_DE", "kestrel", "sorts.txt"}},
+    {"concordance-right-sv", {"search", "--format", "tsv", "--sort", "right", "--locale", "sv_SE", "kestrel", "sorts.txt"}},
+    {"concordance-right-1-de", {"search", "--format", "tsv", "--sort", "right:1", "--locale", "de_DE", "kestrel", "sorts.txt"}},
+    {"concordance-left", {"search", "--format", "tsv", "--sort", "left", "kestrel", "sorts.txt"}},
+    {"concordance-left-2-de", {"search", "--format", "tsv", "--sort", "left:2", "--locale", "de_DE", "kestrel", "sorts.txt"}},
+    {"concordance-match", {"search", "--format", "tsv", "--sort", "match", "kestrel", "sorts.txt"}},
+    {"concordance-right-2", {"search", "--format", "tsv", "--sort", "right:2", "kestrel", "sorts.txt"}},
+    {"concordance-csv", {"search", "--format", "csv", "--width", "5", "kestrel", "quote.txt"}},
+    {"concordance-tsv", {"search", "--format", "tsv", "--width", "5", "kestrel", "quote.txt"}},
+    {"concordance-json", {"search", "--json", "--width", "5", "kestrel", "quote.txt"}},
+    {"concordance-json-words", {"search", "--format", "json", "--words", "1", "kestrel", "quote.txt"}},
+    {"concordance-tsv-words", {"search", "--format", "tsv", "--words", "2", "kestrel", "quote.txt"}},
+    {"concordance-words", {"search", "--words", "1", "kestrel", "quote.txt"}},
+    {"count-tsv", {"search", "--count", "--format", "tsv", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-max-tsv", {"search", "--count", "--max-count", "2", "--format", "tsv", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-csv", {"search", "--count", "--format", "csv", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-text", {"search", "--count", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-json", {"search", "--count", "--json", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-max-lines", {"search", "--max-count", "1", "--format", "tsv", "kestrel", "counts/a.txt", "counts/b.txt", "counts/c.txt"}},
+    {"count-none", {"search", "--count", "falcon", "counts/a.txt"}},
+    {"concordance-bad-sort", {"search", "--sort", "middle", "kestrel", "quote.txt"}},
+    {"concordance-bad-sort-match-2", {"search", "--sort", "match:2", "kestrel", "quote.txt"}},
+    {"concordance-bad-sort-left-0", {"search", "--sort", "left:0", "kestrel", "quote.txt"}},
+    {"concordance-bad-sort-left-x", {"search", "--sort", "left:x", "kestrel", "quote.txt"}},
+    {"concordance-bad-words", {"search", "--words", "0", "kestrel", "quote.txt"}},
+    {"concordance-width-and-words", {"search", "--width", "5", "--words", "2", "kestrel", "quote.txt"}},
+    {"concordance-bad-format", {"search", "--format", "xml", "kestrel", "quote.txt"}},
+    {"concordance-json-and-csv", {"search", "--json", "--format", "csv", "kestrel", "quote.txt"}},
+    {"concordance-bad-max-count", {"search", "--max-count", "0", "kestrel", "quote.txt"}},
+    {"concordance-count-and-sort", {"search", "--count", "--sort", "left", "kestrel", "quote.txt"}},
+    {"concordance-bad-locale", {"search", "--locale", "0x7fff", "kestrel", "quote.txt"}},
+    // words: rows chosen and ordered, each format, bad usage.
+    {"words-top", {"words", "--format", "tsv", "--top", "3", "rows/one.txt", "rows/two.txt"}},
+    {"words-min-freq", {"words", "--format", "tsv", "--min-freq", "2", "rows/one.txt", "rows/two.txt"}},
+    {"words-alpha-de", {"words", "--format", "tsv", "--sort", "alpha", "--locale", "de_DE", "--min-freq", "1", "rows/one.txt", "rows/two.txt"}},
+    {"words-case-sensitive", {"words", "--format", "tsv", "--case-sensitive", "--min-freq", "2", "rows/one.txt", "rows/two.txt"}},
+    {"words-ngram", {"words", "--format", "tsv", "--ngram", "2", "--top", "2", "rows/one.txt", "rows/two.txt"}},
+    {"words-text", {"words", "hawk.txt"}},
+    {"words-tsv", {"words", "--format", "tsv", "hawk.txt"}},
+    {"words-csv", {"words", "--format", "csv", "hawk.txt"}},
+    {"words-json", {"words", "--json", "hawk.txt"}},
+    {"words-none", {"words", "no-words.txt"}},
+    {"words-none-json", {"words", "--json", "no-words.txt"}},
+    {"words-bad-sort", {"words", "--sort", "size", "hawk.txt"}},
+    {"words-bad-top", {"words", "--top", "0", "hawk.txt"}},
+    {"words-bad-ngram", {"words", "--ngram", "0", "hawk.txt"}},
+    {"words-bad-min-freq", {"words", "--min-freq", "x", "hawk.txt"}},
+    {"words-bad-format", {"words", "--format", "xml", "hawk.txt"}},
+    {"words-json-and-csv", {"words", "--json", "--format", "csv", "hawk.txt"}},
+    {"words-bad-locale", {"words", "--locale", "0x7fff", "hawk.txt"}},
+    {"words-unknown-option", {"words", "--bogus", "hawk.txt"}},
+    {"words-no-file", {"words"}},
     // langs: an all-languages file (the system's own list depends on ICU: LangsCommandTest).
     {"langs-favourites", {"langs", "--favourites", "languages.ini"}},
     {"langs-favourites-json", {"langs", "--json", "--favourites=languages.ini"}},
@@ -182,28 +238,15 @@ void CopyInputs(const TempDir &dir) {
     ::utimensat(AT_FDCWD, (dir / name).c_str(), times, 0);
 }
 
-// The length of the UTF-8 sequence that starts at s[i], 0 when none does.
-size_t SequenceLength(const std::string &s, size_t i) {
-  const auto lead = static_cast<unsigned char>(s[i]);
-  const size_t n = lead >= 0xF0 && lead < 0xF5 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
-  if (lead >= 0xF5 || i + n > s.size()) return 0;
-  for (size_t k = 1; k < n; ++k)
-    if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return 0;
-  // No overlong form, no encoded surrogate, nothing above U+10FFFF.
-  const auto second = static_cast<unsigned char>(s[i + 1]);
-  if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second >= 0xA0) ||
-      (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second >= 0x90))
-    return 0;
-  return n;
-}
-
 // Bytes as golden text: valid UTF-8 and line ends as they are, a backslash
 // doubled, other control bytes, stray bytes and byte-order marks as \xNN.
 std::string Escaped(const std::string &bytes) {
   std::string out;
   for (size_t i = 0; i < bytes.size();) {
     const auto b = static_cast<unsigned char>(bytes[i]);
-    const size_t n = std::max<size_t>(b >= 0x80 ? SequenceLength(bytes, i) : 1, 1);
+    const auto *u = reinterpret_cast<const uint8_t *>(bytes.data());
+    const bool half = b == 0xED && i + 1 < bytes.size() && u[i + 1] >= 0xA0; // encoded surrogate
+    const size_t n = half ? 1 : std::max<size_t>(Utf8SequenceAt(u, i, bytes.size()), 1);
     const bool mark = bytes.compare(i, 3, "\xEF\xBB\xBF") == 0;
     if (b == '\\') {
       out += "\\\\";

@@ -3,11 +3,8 @@
 // published digests, the committed files and the embedded resources.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <map>
-#include <regex>
 #include <sstream>
 
 #include <kestrel/frame/platform/Platform.h>
@@ -144,21 +141,11 @@ protected:
   void SetUp() override {
     if (dir_.empty()) GTEST_SKIP() << "the Unicode data is not beside the repository";
   }
-  // table name -> (size, digest) from the data's README.
-  std::map<std::string, std::pair<size_t, std::string>> PublishedDigests() const {
-    std::map<std::string, std::pair<size_t, std::string>> out;
-    std::ifstream in(dir_ + "/README.md");
-    std::string line;
-    std::regex row(R"(^\|\s*([A-Z]+)\s*\|\s*([0-9,]+)\s*\|\s*([0-9a-f]{64})\s*\|)");
-    while (std::getline(in, line)) {
-      std::smatch m;
-      if (std::regex_search(line, m, row)) {
-        std::string size = m[2];
-        size.erase(std::remove(size.begin(), size.end(), ','), size.end());
-        out[m[1]] = {std::stoul(size), m[3]};
-      }
-    }
-    return out;
+  // The row of a table in the data's README: name, size, digest.
+  std::string PublishedRow(const std::string &name) const {
+    const std::string readme = kestrel::test::ReadFileBytes(dir_ + "/README.md");
+    const size_t at = readme.find("\n| " + name + " ");
+    return at == std::string::npos ? "" : readme.substr(at, readme.find('\n', at + 1) - at);
   }
   static std::string Committed(const std::string &name) {
     return kestrel::test::ReadFileBytes(std::string(KESTREL_SOURCE_DIR) + "/kestrel/unicode/data/" +
@@ -188,12 +175,12 @@ TEST_F(UcdGenFullTest, InputIsThePublishedFile) {
 }
 
 TEST_F(UcdGenFullTest, FourTablesMatchThePublishedDigests) {
-  auto published = PublishedDigests();
-  ASSERT_EQ(published.size(), 4u) << "the README's digest table was not found";
   for (const char *name : {"TYPE", "CASE", "COMBINE", "NUMBERS"}) {
-    ASSERT_TRUE(published.count(name)) << name;
-    EXPECT_EQ(Table(name).size(), published[name].first) << name;
-    EXPECT_EQ(Sha256Hex(Table(name)), published[name].second) << name;
+    const std::string row = PublishedRow(name);
+    ASSERT_FALSE(row.empty()) << name << ": the README's digest table was not found";
+    const std::string digest = Sha256Hex(Table(name));
+    ASSERT_EQ(digest.size(), 64u) << "sha256sum did not run";
+    EXPECT_NE(row.find(" " + digest + " |"), std::string::npos) << row;
   }
 }
 
