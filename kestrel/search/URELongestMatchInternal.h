@@ -105,12 +105,13 @@ struct TPair {
 class TTerms {
 public:
   static constexpr uint32_t EmptyTerm = 0;
-  // Refused beyond this many terms, or this many entries over all linear
-  // forms (stacked bounds such as a{,23}{,23}{,23}{,23} keep the terms few
-  // but make the forms grow with the square of the positions): the pattern
-  // is too large.
-  static constexpr uint32_t MaxTerms = 1u << 22;
-  static constexpr size_t MaxPairs = size_t(1) << 22;
+  // Refused beyond this many terms (four times the parser's expressions),
+  // or beyond this many entries made over all linear forms before duplicates
+  // go (stacked bounds such as a{,23}{,23}{,23}{,23} keep the terms few but
+  // make the forms grow with the square of the positions): the pattern is
+  // too large. Either way the refusal comes within a few tenths of a second.
+  static constexpr uint32_t MaxTerms = 1u << 18;
+  static constexpr size_t MaxPairs = size_t(1) << 21;
 
   TTerms();
   uint32_t Make(TTermKind Kind, uint32_t A, uint32_t B = 0);

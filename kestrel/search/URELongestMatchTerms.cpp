@@ -171,10 +171,10 @@ void TTerms::ComputePairs(uint32_t Term) {
       copyOf(x.A);
       break;
     }
-    std::sort(out.begin(), out.end());
-    out.erase(std::unique(out.begin(), out.end()), out.end());
     FPairCount += out.size();
     if (FPairCount > MaxPairs) throw TTooManyTerms();
+    std::sort(out.begin(), out.end());
+    out.erase(std::unique(out.begin(), out.end()), out.end());
     FPairs[t] = std::move(out);
     FReady[t] = 1;
     stack.pop_back();
