@@ -86,7 +86,9 @@ int32_t TUREFastScan::Decision(const TDFA &Dfa, uint32_t State, UCS4 C) {
 // Most texts use a few hundred units at most: those from 256 up get columns
 // of their own, the rest go through the decision cache.
 int32_t TUREFastScan::AddHighColumn(const TDFA &Dfa, uint32_t State, char16_t U) {
-  if ((U >= 0xD800 && U <= 0xDFFF) || IsLineSeparator(U) || FHighUsed == HighColumns) return Slow;
+  if (IsHighSurrogateUnit(U) || IsLowSurrogateUnit(U) || IsLineSeparator(U) ||
+      FHighUsed == HighColumns)
+    return Slow;
   if (FHighColumn.empty()) {
     FHighColumn.assign(0x10000, 0);
     FHighStep.assign(FStep.size() / 256 * HighColumns, Unknown);
