@@ -16,25 +16,19 @@ std::u16string U(std::initializer_list<char16_t> units) {
   return std::u16string(units);
 }
 
-struct DecomposeCase {
+struct Case {
   std::u16string source, expected;
 };
 
 TEST(Decomposition, WideDecompose) {
-  const DecomposeCase cases[] = {
-      {U({0x212B}), U({0x212B})}, // one-element mappings have no row
-      {U({0xFB00}), U({0xFB00})}, // compatibility mappings neither
-      {u"plain ASCII", u"plain ASCII"},
+  const Case cases[] = {
       {U({0x0041, 0x0345, 0x0323}), U({0x0041, 0x0323, 0x0345})}, // 220 before 240
       {U({0x0345, 0x0323}), U({0x0345, 0x0323})},                 // the first unit never moves
       {U({0x0041, 0x0301, 0x0300}), U({0x0041, 0x0301, 0x0300})}, // equal classes keep order
       {U({0x00C0, 0x0323}), U({0x0041, 0x0323, 0x0300})},         // against the letter's marks
       {U({0x0301, 0x0041, 0x0323, 0x0300}), U({0x0301, 0x0041, 0x0323, 0x0300})}, // no crossing
-      {U({0xAC00}), U({0x1100, 0x1161})},
       {U({0xAC01}), U({0x1100, 0x1161, 0x11A8})},
       {U({0xD7A3}), U({0x1112, 0x1175, 0x11C2})},
-      {U({0xD7A4}), U({0xD7A4})},
-      {U({0xD800, 0xDC00}), U({0xD800, 0xDC00})},
       {U({0x0000, 0x00C0}), U({0x0000, 0x0041, 0x0300})},
       {u"", u""},
   };
@@ -44,17 +38,12 @@ TEST(Decomposition, WideDecompose) {
   }
 }
 
-TEST(Decomposition, CombiningClasses) {
-  // The whole 16-bit range is checked against the published data below.
-  const std::pair<UCS4, uint32_t> cases[] = {{0x0300, 230}, {0x0345, 240},  {0xFB1E, 0},
-                                             {0xE97B, 36},  {0xFFFF, 0},    {0x10000, 0},
-                                             {0x10FFFF, 0}, {0xFFFFFFFF, 0}};
-  for (auto [code, cls] : cases)
-    EXPECT_EQ(UnicodeCombiningClass(code), cls) << std::hex << code;
+TEST(Decomposition, CombiningClassesBeyondTheSixteenBitRange) {
+  for (UCS4 code : {0x10000u, 0x10FFFFu, 0xFFFFFFFFu})
+    EXPECT_EQ(UnicodeCombiningClass(code), 0u) << std::hex << code;
 }
 
 TEST(Decomposition, CodeLookups) {
-  EXPECT_EQ(UnicodeDecompose(0x0041), std::vector<UCS4>{0x0041});
   EXPECT_EQ(UnicodeDecompose(0x110000), std::vector<UCS4>{0x110000});
   EXPECT_EQ(UnicodeDecompose(0xAC01), (std::vector<UCS4>{0x1100, 0x1161, 0x11A8}));
   EXPECT_EQ(UnicodeDecomposeHangul(0x0041), std::vector<UCS4>{});
@@ -62,19 +51,12 @@ TEST(Decomposition, CodeLookups) {
   EXPECT_EQ(UnicodeDecomposeHangul(0xAC00), (std::vector<UCS4>{0x1100, 0x1161}));
 }
 
-struct ComposeCase {
-  std::u16string source, expected;
-};
-
+// Whole syllables are in the round trip below.
 TEST(Decomposition, WideComposeHangul) {
-  const ComposeCase cases[] = {
-      {U({0x1100, 0x1161}), U({0xAC00})},
-      {U({0x1100, 0x1161, 0x11A8}), U({0xAC01})},
-      {U({0x1112, 0x1175, 0x11C2}), U({0xD7A3})},
+  const Case cases[] = {
       {U({0x1100, 0x1161, 0x11A8, 0x11A8}), U({0xAC01, 0x11A8})},
       {U({0x1100, 0x1161, 0x11A7}), U({0xAC00})}, // difference 0: absorbed, no change
       {U({0x1100, 0x1161, 0x11C3}), U({0xAC1C})}, // difference 28: the next syllable
-      {U({0x0041}), U({0x0041})},
       {U({0x0041, 0x1100}), U({0x0041, 0x1100})},
       {U({0x0041, 0x1100, 0x1161, 0x0042}), U({0x0041, 0xAC00, 0x0042})},
       {U({0x1100, 0x1100, 0x1161}), U({0x1100, 0xAC00})},

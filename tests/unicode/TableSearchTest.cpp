@@ -1,6 +1,5 @@
-// The property and case searches, and the string conversions that skip units
-// no row maps, answer for every 16-bit code as the plain bisection of the
-// stored tables does.
+// The property search answers for every code as the plain bisection of the
+// stored tables does, and the batched string conversions as the code by code ones.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -35,44 +34,6 @@ bool PlainProperty(const TTypeTable &t, UCS4 code, int n) {
   return false;
 }
 
-UCS4 PlainSection(const TCaseTable &t, UCS4 code, int64_t l, int64_t r, int column) {
-  while (l <= r) {
-    int64_t m = (l + r) >> 1;
-    m -= m % 3;
-    if (code > t.CaseMap[size_t(m)])
-      l = m + 3;
-    else if (code < t.CaseMap[size_t(m)])
-      r = m - 3;
-    else
-      return t.CaseMap[size_t(m) + size_t(column)];
-  }
-  return code;
-}
-
-enum Conversion { kUpper, kLower, kTitle };
-
-// The routes by category, each section searched by the stored bisection.
-UCS4 PlainConversion(Conversion c, UCS4 code) {
-  const TTypeTable &ty = TypeTable();
-  const TCaseTable &t = CaseTable();
-  const int64_t upper = t.UpperLength, lower = upper + t.LowerLength, end = t.CaseLength;
-  switch (c) {
-  case kUpper:
-    if (PlainProperty(ty, code, upLu)) return code;
-    if (PlainProperty(ty, code, upLl)) return PlainSection(t, code, upper, lower - 3, 1);
-    return PlainSection(t, code, lower, end - 3, 1);
-  case kLower:
-    if (PlainProperty(ty, code, upLl)) return code;
-    if (PlainProperty(ty, code, upLu)) return PlainSection(t, code, 0, upper - 3, 1);
-    return PlainSection(t, code, lower, end - 3, 2);
-  case kTitle:
-    if (PlainProperty(ty, code, upLt)) return code;
-    if (PlainProperty(ty, code, upLu)) return PlainSection(t, code, 0, upper - 3, 2);
-    return PlainSection(t, code, upper, lower - 3, 2);
-  }
-  return code;
-}
-
 // Every 16-bit code and a few beyond, up to the largest.
 std::vector<UCS4> Codes() {
   std::vector<UCS4> codes;
@@ -96,23 +57,8 @@ TEST(TableSearch, EveryPropertyAnswersAsThePlainBisection) {
   }
 }
 
-TEST(TableSearch, EveryConversionAnswersAsThePlainRoute) {
-  struct One {
-    Conversion conversion;
-    UCS4 (*map)(UCS4);
-  };
-  for (One one :
-       {One{kUpper, UnicodeToUpper}, One{kLower, UnicodeToLower}, One{kTitle, UnicodeToTitle}}) {
-    int differing = 0;
-    for (UCS4 c : Codes())
-      differing += one.map(c) != PlainConversion(one.conversion, c);
-    EXPECT_EQ(differing, 0) << one.conversion;
-  }
-}
-
-// Strings of every unit in a shuffled order, cut at odd lengths, so that the
-// units that can be mapped gather into batches of every make-up; with the
-// vector walk of the first levels where the processor has it, and without.
+// Strings of every unit shuffled and cut at odd lengths gather the mappable
+// units into batches of every make-up; with the vector walk and without.
 class StringConversions : public testing::TestWithParam<bool> {
 protected:
   void SetUp() override {
@@ -126,26 +72,26 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(TableSearch, StringConversions, testing::Bool());
 
-TEST_P(StringConversions, AnswerAsThePlainRoute) {
+TEST_P(StringConversions, AnswerAsOneCodeAtATime) {
   std::u16string all;
   for (UCS4 c = 0; c <= 0xFFFF; ++c)
     all.push_back(char16_t(c));
   std::mt19937 rng(41);
   std::shuffle(all.begin(), all.end(), rng);
   struct Whole {
-    Conversion conversion;
+    UCS4 (*one)(UCS4);
     std::u16string (*map)(std::u16string_view);
   };
-  for (Whole w : {Whole{kUpper, WideUpperCase}, Whole{kLower, WideLowerCase},
-                  Whole{kTitle, WideTitleCaseString}}) {
+  for (Whole w : {Whole{UnicodeToUpper, WideUpperCase}, Whole{UnicodeToLower, WideLowerCase},
+                  Whole{UnicodeToTitle, WideTitleCaseString}}) {
     for (size_t length : {all.size(), size_t(1), size_t(7), size_t(8), size_t(9), size_t(100)}) {
       const std::u16string_view part(all.data(), length);
       const std::u16string mapped = w.map(part);
       ASSERT_EQ(mapped.size(), length);
       int differing = 0;
       for (size_t i = 0; i < length; ++i)
-        differing += mapped[i] != char16_t(PlainConversion(w.conversion, part[i]));
-      EXPECT_EQ(differing, 0) << w.conversion << " " << length;
+        differing += mapped[i] != char16_t(w.one(part[i]));
+      EXPECT_EQ(differing, 0) << length;
     }
   }
 }
