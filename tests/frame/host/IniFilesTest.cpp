@@ -203,7 +203,6 @@ TEST(TMemIniFile, TypedWritesReadBack) {
   ini.WriteTime("s", "t", when);
   EXPECT_EQ(ini.ReadString("s", "b", ""), "1");
   EXPECT_EQ(ini.ReadInteger("s", "i", 0), -12);
-  EXPECT_TRUE(ini.ReadBool("s", "b", false));
   EXPECT_EQ(ini.ReadFloat("s", "f", 0), -2.25e-7);
   EXPECT_EQ(ini.ReadString("s", "f", ""), "-2.25E-7");
   EXPECT_EQ(ini.ReadFloat("s", "third", 0), 1.0 / 3);

@@ -76,12 +76,11 @@ TEST(NlsCodePages, PseudoCodePagesAndSymbol) {
   EXPECT_EQ(ToWide(CP_OEMCP, "\xC3\xA9"), u"\u00E9");
   EXPECT_EQ(ToWide(CP_SYMBOL, "\x01\x41"), u"\x01\uF041");
   EXPECT_EQ(ToBytes(CP_SYMBOL, u"\uF041\x01"), "\x41\x01");
-  EXPECT_TRUE(IsValidCodePage(1252));
-  EXPECT_TRUE(IsValidCodePage(932));
-  EXPECT_TRUE(IsValidCodePage(65001));
-  EXPECT_FALSE(IsValidCodePage(12345));
-  EXPECT_FALSE(IsValidCodePage(CP_ACP));
-  EXPECT_FALSE(IsValidCodePage(1200)); // UTF-16 is no byte code page here
+  // UTF-16 (1200) is no byte code page here.
+  const std::pair<uint32_t, bool> valid[] = {{1252, true},   {932, true},     {65001, true},
+                                             {12345, false}, {CP_ACP, false}, {1200, false}};
+  for (auto [cp, is] : valid)
+    EXPECT_EQ(IsValidCodePage(cp), is) << cp;
 }
 
 TEST(NlsCodePages, FlagsAndFailures) {

@@ -77,20 +77,17 @@ TEST(LCMapStringW, SizesAndRefusals) {
 }
 
 TEST(LCMapStringW, KeysOrderAsCompareStringW) {
+  // Case, accents and empty texts under English are in the random test below.
   struct Pair {
     LCID locale;
     uint32_t flags;
     std::u16string a, b;
   };
   const Pair pairs[] = {
-      {kEnglishUS, NORM_IGNORECASE, u"river", u"RIVER"},
-      {kEnglishUS, 0, u"river", u"RIVER"},
-      {kEnglishUS, NORM_IGNORECASE, u"cote", u"c\u00F4te"},
       {kEnglishUS, NORM_IGNORECASE | NORM_IGNORENONSPACE, u"cote", u"C\u00D4TE"},
       {kSwedish, NORM_IGNORECASE, u"\u00E4r", u"zon"}, // a-umlaut after z in Swedish
       {kGerman, NORM_IGNORECASE, u"\u00E4r", u"zon"},
       {kEnglishUS, SORT_DIGITSASNUMBERS, u"file10", u"file9"},
-      {kEnglishUS, NORM_IGNORECASE, u"", u"a"},
       {LOCALE_USER_DEFAULT, NORM_IGNORECASE, u"b", u"A"},
   };
   for (const Pair &p : pairs) {

