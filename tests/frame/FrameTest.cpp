@@ -74,17 +74,17 @@ TEST(Frame, PackageLoadRunsInOrderAndUnloadInReverse) {
 TEST(Frame, LoadEntryRegistersTheModuleRecord) {
   TLibModule &m = KestrelLibModule();
   EXPECT_NE(m.Instance, nullptr);
-  bool found = false;
-  for (TLibModule *p = LibModuleList(); p; p = p->Next)
-    found |= p == &m;
-  EXPECT_TRUE(found);
+  auto listed = [&] {
+    bool found = false;
+    for (TLibModule *p = LibModuleList(); p; p = p->Next)
+      found |= p == &m;
+    return found;
+  };
+  EXPECT_TRUE(listed());
   // Thread reasons do nothing and still answer true.
   EXPECT_EQ(LibraryEntry(m.Instance, DLL_THREAD_ATTACH, nullptr), -1);
   EXPECT_EQ(LibraryEntry(m.Instance, DLL_PROCESS_DETACH, nullptr), -1);
-  found = false;
-  for (TLibModule *p = LibModuleList(); p; p = p->Next)
-    found |= p == &m;
-  EXPECT_FALSE(found);
+  EXPECT_FALSE(listed());
   EXPECT_EQ(LibraryEntry(m.Instance, DLL_PROCESS_ATTACH, nullptr), -1);
   EXPECT_EQ(LibModuleList(), &m);
 }

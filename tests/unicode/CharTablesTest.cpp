@@ -7,6 +7,7 @@
 #include <latch>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <kestrel/frame/host/Exceptions.h>
@@ -74,38 +75,21 @@ std::string SwappedTable(const char *name) {
   return Swapped(b, {{2, 2}, {4, all}}); // DECOMPOSE, COMBINE
 }
 
-struct Snapshot {
-  TTypeTable type;
-  TCaseTable caseMap;
-  TDecompositionTable decomposition;
-  TCombiningTable combining;
-  TNumberTable numbers;
-};
-
-Snapshot TakeSnapshot() {
-  return {TypeTable(), CaseTable(), DecompositionTable(), CombiningTable(), NumberTable()};
-}
-
-void ExpectSameTables(const Snapshot &a, const Snapshot &b) {
-  EXPECT_EQ(a.type.Count, b.type.Count);
-  EXPECT_EQ(a.type.PropertyOffsets, b.type.PropertyOffsets);
-  EXPECT_EQ(a.type.PropertyRanges, b.type.PropertyRanges);
-  EXPECT_EQ(a.caseMap.CaseMap, b.caseMap.CaseMap);
-  EXPECT_EQ(a.caseMap.CaseLength, b.caseMap.CaseLength);
-  EXPECT_EQ(a.caseMap.UpperLength, b.caseMap.UpperLength);
-  EXPECT_EQ(a.caseMap.LowerLength, b.caseMap.LowerLength);
-  EXPECT_EQ(a.decomposition.Rows, b.decomposition.Rows);
-  EXPECT_EQ(a.decomposition.DecompositionNodes, b.decomposition.DecompositionNodes);
-  EXPECT_EQ(a.decomposition.DecompositionData, b.decomposition.DecompositionData);
-  EXPECT_EQ(a.combining.Rows, b.combining.Rows);
-  EXPECT_EQ(a.combining.CombiningNodes, b.combining.CombiningNodes);
-  EXPECT_EQ(a.numbers.Count, b.numbers.Count);
-  EXPECT_EQ(a.numbers.NumberNodes, b.numbers.NumberNodes);
-  EXPECT_EQ(a.numbers.NumberValues, b.numbers.NumberValues);
+// Copies of every stored part of the five tables.
+auto Contents() {
+  const TTypeTable &t = TypeTable();
+  const TCaseTable &c = CaseTable();
+  const TDecompositionTable &d = DecompositionTable();
+  const TCombiningTable &m = CombiningTable();
+  const TNumberTable &n = NumberTable();
+  return std::make_tuple(t.Count, t.PropertyOffsets, t.PropertyRanges, c.CaseMap, c.CaseLength,
+                         c.UpperLength, c.LowerLength, d.Rows, d.DecompositionNodes,
+                         d.DecompositionData, m.Rows, m.CombiningNodes, n.Count, n.NumberNodes,
+                         n.NumberValues);
 }
 
 TEST(CharTables, ByteSwappedTablesLoadTheSameValues) {
-  Snapshot plain = TakeSnapshot();
+  const auto plain = Contents();
   const char *names[] = {"TYPE", "CASE", "DECOMPOSE", "COMBINE", "NUMBERS"};
   std::vector<std::unique_ptr<SubstitutedTable>> swapped;
   for (const char *name : names) {
@@ -114,11 +98,7 @@ TEST(CharTables, ByteSwappedTablesLoadTheSameValues) {
     ASSERT_NE(bytes, Embedded(name)) << name;
     swapped.push_back(std::make_unique<SubstitutedTable>(name, bytes));
   }
-  ExpectSameTables(plain, TakeSnapshot());
-  EXPECT_TRUE(UnicodeIsAlpha(0x00E9));
-  EXPECT_TRUE(UnicodeIsSurrogate(0x10000));
-  EXPECT_FALSE(UnicodeIsDefined(0xE000));
-  EXPECT_EQ(UnicodeGetNumber(0x00BD).Denominator, 2);
+  EXPECT_TRUE(Contents() == plain);
 }
 
 TEST(CharTables, AnyOtherMarkReadsAsLittleEndian) {

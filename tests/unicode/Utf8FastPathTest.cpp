@@ -82,8 +82,6 @@ void ExpectSameEncoding(const std::u16string &units, const std::string &what) {
 
 TEST(Utf8FastPath, TheScalarPathAlwaysRuns) {
   EXPECT_TRUE(PathRuns(TPath::Scalar));
-  EXPECT_EQ(Decode("\xC3\xA9", TPath::Scalar), u"\u00E9");
-  EXPECT_EQ(Encode(u"\u00E9", TPath::Scalar), "\xC3\xA9");
 }
 
 TEST(Utf8FastPath, RandomTextsDecodeAsByTheRules) {
@@ -114,17 +112,15 @@ TEST(Utf8FastPath, OneOddByteAtEveryPosition) {
     }
 }
 
+// Long runs of one width, which the random texts seldom make.
 TEST(Utf8FastPath, LengthsAroundEveryBlockEdge) {
-  std::mt19937 rng(7);
-  for (size_t length = 0; length < 200; ++length)
-    for (int kind = 0; kind < 3; ++kind) {
-      std::string text(length, 'a');
-      if (kind == 1)
-        for (size_t i = 0; i + 1 < length; i += 2)
-          text.replace(i, 2, "\xC3\xA9");
-      if (kind == 2) text = RandomText(rng, length);
-      ExpectSameDecoding(text, "kind " + std::to_string(kind));
-    }
+  for (size_t length = 0; length < 200; ++length) {
+    std::string ascii(length, 'a'), twoBytes = ascii;
+    for (size_t i = 0; i + 1 < length; i += 2)
+      twoBytes.replace(i, 2, "\xC3\xA9");
+    ExpectSameDecoding(ascii, "ASCII");
+    ExpectSameDecoding(twoBytes, "two-byte forms");
+  }
 }
 
 TEST(Utf8FastPath, RandomUnitsEncodeAsByTheRules) {

@@ -16,10 +16,8 @@ using kestrel::test::TempDir;
 namespace {
 
 size_t EntriesIn(const std::string &folder) {
-  size_t n = 0;
-  for (auto it = std::filesystem::directory_iterator(folder); it != decltype(it)(); ++it)
-    ++n;
-  return n;
+  namespace fs = std::filesystem;
+  return size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
 } // namespace
