@@ -20,16 +20,9 @@ struct Expectation {
 
 #define T(fn) #fn, fn
 
-// The decisions the tables carry: a tab is no space (property 13 is empty)
-// and class B no white space; the connector is graphic but no punctuation;
-// mirroring is empty and the symmetric list is its own; surrogates are the
-// supplementary code points, not the halves; of private use only the
-// library's own rows are defined; of extension A only its end points; the
-// Han blocks are whole in the letters but not in Defined past U+9FA5; Hangul
-// runs past the last syllable; composites have two or more canonical
-// elements; the data is that of Unicode 3.0; Lm starts no identifier and Me
-// is no part of one; AL counts as R, NSM and BN as ON. Each test of several
-// categories is shown to take one of the rarer ones.
+// The decisions the tables carry where common sense differs (a tab is no space,
+// surrogates are the supplementary code points, the data is Unicode 3.0, ...);
+// each test of several categories is shown to take one of the rarer ones.
 const Expectation kExpectations[] = {
     {T(UnicodeIsSpace), {0x0020}, {0x0009}},
     {T(UnicodeIsWhiteSpace), {0x0009, 0x0020, 0x000C, 0x3000}, {0x000A, 0x000D}},
