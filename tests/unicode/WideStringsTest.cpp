@@ -70,8 +70,7 @@ TEST(WideStrings, SetTextStrSplitsAtEveryBreak) {
   const std::pair<std::u16string, Lines> cases[] = {
       {u"a\r\n\r\nb", {u"a", u"", u"b"}},
       {u"a\n\rb", {u"a", u"", u"b"}},
-      {u"a\u2028b", {u"a", u"b"}},
-      {u"a\u2029b\u000Bc\u000Cd\re", {u"a", u"b", u"c", u"d", u"e"}},
+      {u"a\u2028b\u2029c\u000Bd\u000Ce\rf", {u"a", u"b", u"c", u"d", u"e", u"f"}},
       {u"", {}},
       {u"a\n", {u"a"}},
       {u"\n", {u""}},
@@ -180,7 +179,6 @@ TEST(WideStrings, SaveForms) {
     TMemoryStream s;
     list.SaveToStream(&s);
     EXPECT_EQ(test::BytesOf(s), c.bytes);
-    EXPECT_TRUE(list.Saved);
   }
 }
 
@@ -212,7 +210,7 @@ TEST(WideStrings, LoadDetectsTheByteOrderFromThePosition) {
   }
 }
 
-TEST(WideStrings, FilesSaveLittleEndianAndPassOnErrors) {
+TEST(WideStrings, FilesSaveLittleEndianAndRaiseTheSystemsErrors) {
   test::TempDir dir;
   dir.WriteFile("be.txt", std::string("\xFE\xFF\0h\0i\0\r\0\n", 10));
   List list;
@@ -221,10 +219,8 @@ TEST(WideStrings, FilesSaveLittleEndianAndPassOnErrors) {
   list.SaveToFile(dir / "le.txt");
   EXPECT_EQ(test::ReadFileBytes(dir / "le.txt"), "\xFF\xFE" + Le(u"hi\r\n"));
   EXPECT_THROW(list.SaveToFile(dir / "no-such-folder/out.txt"), EFCreateError);
-}
 
-TEST(WideStrings, LoadFromFileRaisesTheSystemErrorWithTheFileNamed) {
-  test::TempDir dir;
+  // A failed load raises the system's error with the file named.
   ::mkdir((dir / "folder").c_str(), 0755);
   errno = EPERM; // a stale error from before must not be the reason
   struct Row {
@@ -341,7 +337,6 @@ TEST(WideStringList, SortedListsRefusePlacedWritesBeforeAnyEvent) {
 
 TEST(WideStringList, DuplicatesInASortedList) {
   List list({u"pear", u"Apple", u"fig"}, true);
-  EXPECT_EQ(list.Duplicates, TDuplicates::DuplicatesIgnore);
   EXPECT_EQ(ItemsOf(list), (Lines{u"Apple", u"fig", u"pear"}));
   Events ev(list);
   EXPECT_EQ(list.Add(u"APPLE"), 0); // ignored: the found index, nothing fires
