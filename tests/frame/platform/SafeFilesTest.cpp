@@ -35,7 +35,6 @@ TEST(CopyFileA, CopiesBytesPermissionsAndDate) {
   ASSERT_EQ(::stat((dir / "b.txt").c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 07777, 0604u);
   EXPECT_EQ(st.st_mtim.tv_sec, 1000000000);
-  EXPECT_EQ(EntriesIn(dir.Path()), 2u);
 }
 
 TEST(CopyFileA, FailsWithoutHarm) {
