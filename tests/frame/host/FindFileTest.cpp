@@ -82,12 +82,8 @@ TEST(FindFile, MaskRulesOfTheHostSystem) {
 TEST(FindFile, ListsMatchesInNameOrderWithTheirDetails) {
   Tree t;
   EXPECT_EQ(Search(t.t / "*.txt", 0), (V{"a.TXT", "b.txt"}));
-  EXPECT_EQ(Search(t.t / "*.*", 0), (V{"a.TXT", "b.txt", "c.txt.bak", "to-file"}));
-  TSearchRec sr;
+  TSearchRec sr; // name, size and attributes: the table of kinds below
   ASSERT_EQ(FindFirst(t.t / "b.txt", 0, sr), 0);
-  EXPECT_EQ(sr.Name, "b.txt");
-  EXPECT_EQ(sr.Size, 2);
-  EXPECT_EQ(sr.Attr, faArchive);
   struct stat st;
   ASSERT_EQ(::stat((t.t / "b.txt").c_str(), &st), 0);
   EXPECT_EQ(sr.Time, UnixTimeToFileDate(st.st_mtime));
