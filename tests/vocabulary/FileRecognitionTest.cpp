@@ -78,7 +78,6 @@ TEST(StoredFile32, NumbersSignaturesAndSizesAgainstTheRunningTool) {
       {lineups, 36, "Salients Database (v. 2)32", 1, true, false, spare10, spare10},
       {lineups, 35, "Salients Database (v. 2)32", 1, false, false, spare10, none_in_use},
       {lineups, 36, "Nothing We Know32", 1, false, true, none_in_use, none_in_use},
-      {lineups, 36, "word list32", 1, false, true, none_in_use, none_in_use},
   };
   TempDir dir;
   for (const Case &c : cases) {

@@ -37,7 +37,6 @@ TEST(SettingsStrings, CorrectedPathnameAndCutOutsideQuotes) {
   };
   const Case cases[] = {
       {CorrectedPathname, "C:", "C:/"},
-      {CorrectedPathname, "c:", "c:/"},
       {CorrectedPathname, " \tD:\r\n", "D:/"},
       {CorrectedPathname, "C:texts", "C:/texts"},
       {CorrectedPathname, "C:/texts", "C:/texts"},
@@ -65,11 +64,10 @@ TEST(SettingsStrings, DecimalFormattedKeepsThreeCharactersAtLeast) {
     std::string expected;
   };
   const Case cases[] = {
-      {2, "2" + sep + "0"},      {10, "10" + sep},
-      {100, "100" + sep},        {1.5L, "1" + sep + "5"},
-      {0, "0" + sep + "0"},      {-2.25L, "-2" + sep + "25"},
-      {0.1L, "0" + sep + "1"},   {1.0L / 3, "0" + sep + "3333333333333333"},
-      {1e-17L, "0" + sep + "0"}, {123456789.125L, "123456789" + sep + "125"},
+      {2, "2" + sep + "0"},        {10, "10" + sep},
+      {1.5L, "1" + sep + "5"},     {0, "0" + sep + "0"},
+      {-2.25L, "-2" + sep + "25"}, {1.0L / 3, "0" + sep + "3333333333333333"},
+      {1e-17L, "0" + sep + "0"},   {123456789.125L, "123456789" + sep + "125"},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.expected);
