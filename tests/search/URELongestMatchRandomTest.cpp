@@ -20,6 +20,7 @@ namespace kestrel {
 namespace {
 
 using test::LongestMatches;
+using test::MakeText;
 using test::Pairs;
 
 // ------------------------------------------------------------- patterns
@@ -75,13 +76,6 @@ private:
   std::vector<std::u16string> atoms_;
   bool innerAnchors_;
 };
-
-std::u16string MakeText(std::mt19937 &rng, const std::vector<std::u16string> &pieces, int max) {
-  std::u16string t;
-  for (int n = std::uniform_int_distribution<int>(0, max)(rng); n > 0; --n)
-    t += pieces[std::uniform_int_distribution<size_t>(0, pieces.size() - 1)(rng)];
-  return t;
-}
 
 Pairs NonEmpty(const Pairs &all) {
   Pairs out;

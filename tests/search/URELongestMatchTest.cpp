@@ -1,5 +1,4 @@
-// TURELongestMatch: every leftmost-longest match, the zero-width tests, word
-// bounds, case folding, FindFirst, the cache of states and linear time.
+// TURELongestMatch: results, FindFirst, errors, the cache of states and linear time.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -22,27 +21,12 @@ using test::PairsOf;
 
 const TSearchFlags Exact{TSearchFlag::sfCaseSensitive};
 
-struct Case {
-  const char16_t *pattern;
-  const char16_t *text;
-  TSearchFlags flags;
-  Pairs expected;
-};
-
-class LongestMatchCases : public ::testing::TestWithParam<Case> {};
-
-TEST_P(LongestMatchCases, FindsEveryMatch) {
-  const Case &c = GetParam();
-  EXPECT_EQ(LongestMatches(c.pattern, c.text, c.flags), c.expected);
+// The generated patterns of URELongestMatchRandomTest check the rest: these
+// are anchors alone, and an anchor between characters outside a group.
+TEST(LongestMatch, AnchorsTheGeneratedPatternsNeverHold) {
+  EXPECT_EQ(LongestMatches(u"^$", u"\r\n\r\n", Exact), (Pairs{{0, 0}, {2, 2}, {4, 4}}));
+  EXPECT_EQ(LongestMatches(u"a^b", u"ab", Exact), Pairs{});
 }
-
-// clang-format off
-// Only what the generated patterns of URELongestMatchRandomTest cannot make:
-// anchors alone, and an anchor between characters outside a group.
-INSTANTIATE_TEST_SUITE_P(Matches, LongestMatchCases, ::testing::Values(
-    Case{u"^$", u"\r\n\r\n", Exact, {{0, 0}, {2, 2}, {4, 4}}},
-    Case{u"a^b", u"ab", Exact, {}}));
-// clang-format on
 
 TEST(LongestMatch, ResultsGoToTheResultListToo) {
   TURELongestMatch engine;

@@ -7,13 +7,14 @@
 
 #include <kestrel/search/Search.h>
 
-#include "support/TestSupport.h"
+#include "URETestHelpers.h"
 
 using namespace kestrel;
 
 namespace {
 
 using Pairs = test::Matches;
+using test::MakeText;
 
 constexpr uint8_t CS = 1, NS = 2, SC = 4, LB = 8, RB = 16;
 
@@ -169,15 +170,9 @@ TEST(UTBMSearch, FindFirstFindAllAndClear) {
 // the engine's own compare, which the test below takes as its reference.
 TEST(UTBMSearch, RandomExactSearchesAgreeWithANaiveSearch) {
   std::mt19937 rng(20240607);
-  const std::u16string letters[] = {u"a", u"b", kPair, kPair2};
-  auto make = [&](size_t maxChars) {
-    std::u16string s;
-    for (size_t i = 0, n = rng() % (maxChars + 1); i < n; ++i)
-      s += letters[rng() % std::size(letters)];
-    return s;
-  };
+  const std::vector<std::u16string> letters = {u"a", u"b", kPair, kPair2};
   for (int run = 0; run < 3000; ++run) {
-    const std::u16string pattern = make(5), text = make(40);
+    const std::u16string pattern = MakeText(rng, letters, 5), text = MakeText(rng, letters, 40);
     if (pattern.empty()) continue;
     ASSERT_EQ(FindAll(pattern, CS, text), Naive(pattern, text))
         << "pattern " << test::Show(pattern) << " text " << test::Show(text);
@@ -241,17 +236,11 @@ TEST(UTBMSearch, SkipsNeverPassAnOccurrence) {
   for (size_t i = 0; i < units.size(); ++i)
     letters[i] = units.substr(i, 1);
   letters.insert(letters.end(), {kPair, kPair2, u"\U00010428", u"\U0001D400"});
-  auto make = [&](size_t maxChars, size_t fromLetters) {
-    std::u16string s;
-    const size_t chars = rng() % (maxChars + 1);
-    for (size_t i = 0; i < chars; ++i)
-      s += letters[rng() % fromLetters];
-    return s;
-  };
   for (int round = 0; round < 5000; ++round) {
     // Small alphabets give many occurrences, large ones every kind of unit.
-    const size_t fromLetters = 3 + rng() % (letters.size() - 2);
-    const std::u16string pattern = make(5, fromLetters), text = make(30, fromLetters);
+    const std::vector<std::u16string> some(letters.begin(),
+                                           letters.begin() + 3 + rng() % (letters.size() - 2));
+    const std::u16string pattern = MakeText(rng, some, 5), text = MakeText(rng, some, 30);
     for (uint8_t flags = 0; flags < 32; ++flags) {
       ComparingSearch e;
       e.FindPrepare(pattern, Fl(flags));
