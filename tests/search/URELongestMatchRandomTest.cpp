@@ -126,7 +126,7 @@ TEST(LongestMatchAgainstGrep, AgreesOnGeneratedAsciiPatterns) {
   const std::vector<std::u16string> pieces = {u"a", u"a", u"b", u"b",  u"c", u"d",
                                               u" ", u"A", u"B", u"ab", u"-"};
   test::TempDir dir;
-  int compared = 0, matches = 0;
+  int matches = 0;
   for (int i = 0; i < 300; ++i) {
     const std::u16string pattern = maker.Make();
     const bool fold = i % 3 == 0;
@@ -146,11 +146,9 @@ TEST(LongestMatchAgainstGrep, AgreesOnGeneratedAsciiPatterns) {
           pattern, text, fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive}));
       EXPECT_EQ(ours, expected[k])
           << "pattern " << Narrow(pattern) << (fold ? " (-i)" : "") << " text '" << lines[k] << "'";
-      ++compared;
       matches += int(ours.size());
     }
   }
-  EXPECT_EQ(compared, 3600);
   EXPECT_GT(matches, 3000); // the patterns do find things
 }
 
