@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ostream>
 #include <string>
 
 #include <kestrel/frame/host/Host.h>
@@ -41,7 +42,12 @@ struct Answer {
   bool result;
   list_type kind;
   int32_t count;
+  bool operator==(const Answer &) const = default;
 };
+
+void PrintTo(const Answer &a, std::ostream *os) {
+  *os << a.result << " kind " << int(a.kind) << " count " << a.count;
+}
 
 template <typename Test> Answer Ask(const std::string &file, Test test) {
   TMKStored_File_rec rec;
@@ -84,13 +90,8 @@ TEST(StoredFile32, NumbersSignaturesAndSizesAgainstTheRunningTool) {
                  GetShortToolFilename(c.tool));
     ToolGuard tool(c.tool);
     dir.WriteFile("head", Head32(c.number, c.signature, c.extra));
-    const Answer was = Ask(dir / "head", WasAMarlowick32BitFile);
-    const Answer is = Ask(dir / "head", IsAMarlowick32BitFile);
-    EXPECT_EQ(was.result, c.was);
-    EXPECT_EQ(was.kind, c.wasKind);
-    EXPECT_EQ(is.result, c.is);
-    EXPECT_EQ(is.kind, c.isKind);
-    EXPECT_EQ(was.count + is.count, 0);
+    EXPECT_EQ(Ask(dir / "head", WasAMarlowick32BitFile), (Answer{c.was, c.wasKind, 0}));
+    EXPECT_EQ(Ask(dir / "head", IsAMarlowick32BitFile), (Answer{c.is, c.isKind, 0}));
   }
 }
 
@@ -115,10 +116,7 @@ TEST(StoredFileOlder, HeadsAndSizes) {
   for (const Case &c : cases) {
     SCOPED_TRACE(c.name);
     dir.WriteFile(c.name, c.bytes);
-    const Answer a = Ask(dir / c.name, IsAnOldMarlowickFile);
-    EXPECT_EQ(a.result, c.result);
-    EXPECT_EQ(a.kind, c.kind);
-    EXPECT_EQ(a.count, 0);
+    EXPECT_EQ(Ask(dir / c.name, IsAnOldMarlowickFile), (Answer{c.result, c.kind, 0}));
   }
 }
 
@@ -126,10 +124,7 @@ TEST(StoredFileAny, MissingFileOrFolderIsFalseAndUnopenableFileRaises) {
   TempDir dir;
   for (auto test : {IsAnOldMarlowickFile, WasAMarlowick32BitFile, IsAMarlowick32BitFile}) {
     for (const std::string &name : {dir / "missing", dir.Path()}) {
-      const Answer a = Ask(name, test);
-      EXPECT_FALSE(a.result) << name;
-      EXPECT_EQ(a.kind, none_in_use);
-      EXPECT_EQ(a.count, 0);
+      EXPECT_EQ(Ask(name, test), (Answer{false, none_in_use, 0})) << name;
     }
   }
   // A file held without sharing by another open can't be opened: that
@@ -170,19 +165,14 @@ TEST(BatchZip, CommentNamesTheKind) {
     SCOPED_TRACE(c.name);
     const std::string path = dir / (std::string(c.name) + ".zip");
     WriteZip(path, {{"one.cnc", "1"}, {"two.cnc", "2"}}, c.comment);
-    const Answer a = Ask(path, IsABatchZipFileForListType);
-    EXPECT_EQ(a.result, c.result);
-    EXPECT_EQ(a.kind, c.kind);
-    EXPECT_EQ(a.count, c.count);
+    EXPECT_EQ(Ask(path, IsABatchZipFileForListType), (Answer{c.result, c.kind, c.count}));
   }
 }
 
 TEST(BatchZip, EmptyArchiveAndForeignFiles) {
   TempDir dir;
   dir.WriteFile("empty.zip", test::EmptyZipBytes("Marlow Batch file .cnc"));
-  Answer a = Ask(dir / "empty.zip", IsABatchZipFileForListType);
-  EXPECT_FALSE(a.result);
-  EXPECT_EQ(a.kind, none_in_use);
+  EXPECT_EQ(Ask(dir / "empty.zip", IsABatchZipFileForListType), (Answer{false, none_in_use, 0}));
   // A file that is no archive: the reader's exception reaches the caller.
   dir.WriteFile("damaged.zip", std::string("PK\x03\x04", 4) + std::string(100, 'x'));
   TMKStored_File_rec rec;
