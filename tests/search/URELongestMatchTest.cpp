@@ -35,8 +35,7 @@ TEST(LongestMatch, ResultsGoToTheResultListToo) {
   ASSERT_EQ(engine.GetCount(), 2u);
   int32_t s = 0, e = 0;
   engine.GetResult(1, s, e);
-  EXPECT_EQ(s, 4);
-  EXPECT_EQ(e, 5);
+  EXPECT_EQ(std::make_pair(s, e), std::make_pair(4, 5));
   EXPECT_FALSE(engine.FindAll(u"aaa"));
   EXPECT_EQ(engine.GetCount(), 0u);
 }

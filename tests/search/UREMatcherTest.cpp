@@ -100,8 +100,7 @@ TEST(UREMatcher, FindFirst) {
   uint32_t s = 99, e = 99;
   engine.FindPrepare(u"^$", CaseSensitive());
   EXPECT_TRUE(engine.FindFirst(u"", s, e));
-  EXPECT_EQ(s, 0u);
-  EXPECT_EQ(e, 0u);
+  EXPECT_EQ(std::make_pair(s, e), std::make_pair(0u, 0u));
   engine.FindPrepare(u"a", CaseSensitive());
   s = e = 99;
   EXPECT_FALSE(engine.FindFirst(u"", s, e));
@@ -130,8 +129,7 @@ TEST(UREMatcher, ExecuteUREFlags) {
   engine.FindPrepare(u"ab", CaseSensitive());
   EXPECT_FALSE(engine.ExecuteURE(0, u"a\u0301b", 3, s, e));
   EXPECT_TRUE(engine.ExecuteURE(IgnoreNonSpacingMarks, u"a\u0301b", 3, s, e));
-  EXPECT_EQ(s, 0u);
-  EXPECT_EQ(e, 3u);
+  EXPECT_EQ(std::make_pair(s, e), std::make_pair(0u, 3u));
   EXPECT_FALSE(engine.ExecuteURE(0, nullptr, 3, s, e));
   TURESearch empty;
   EXPECT_FALSE(empty.ExecuteURE(0, u"a", 1, s, e));

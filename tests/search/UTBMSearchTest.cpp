@@ -149,8 +149,7 @@ TEST(UTBMSearch, FindFirstFindAllAndClear) {
   e.FindPrepare(u"b", Fl(CS));
   EXPECT_TRUE(e.FindAll(u"bbb"));
   EXPECT_TRUE(e.FindFirst(u"abcb", a, b));
-  EXPECT_EQ(a, 1u);
-  EXPECT_EQ(b, 2u);
+  EXPECT_EQ(std::make_pair(a, b), std::make_pair(1u, 2u));
   EXPECT_EQ(test::ResultsOf(e), (Pairs{{1, 2}})); // the find replaced the results
   EXPECT_FALSE(e.FindAll(u"xyz"));
   EXPECT_EQ(e.GetCount(), 0u);
