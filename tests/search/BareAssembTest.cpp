@@ -172,7 +172,6 @@ TEST(BareAssemb, BetweenChars) {
       {"a<b>c", '<', '>', 2, true, std::string("ab>c\0#", 6)},
       {"a<b>c", '<', '>', 3, false, std::string("a   c\0", 6)},
       {"a<b>c", '<', '>', 3, true, std::string("ac\0>c#", 6)},
-      {"a<b>c", '<', '>', 2, false, std::string("ab>c\0#", 6)},
       {"<<x>", '<', '>', 3, true, std::string("\0<x>#", 5)},
       {"", '<', '>', 0, true, std::string("\0", 1)},
   };
