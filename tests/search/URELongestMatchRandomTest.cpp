@@ -196,12 +196,10 @@ private:
   UCS4 CharAt(uint32_t at) const {
     return Width(at) == 2 ? CombineSurrogates(text_[at], text_[at + 1]) : text_[at];
   }
-  UCS4 CharBefore(uint32_t at) const {
-    if (at >= 2 && IsLowSurrogateUnit(text_[at - 1]) && IsHighSurrogateUnit(text_[at - 2]))
-      return CombineSurrogates(text_[at - 2], text_[at - 1]);
-    return text_[at - 1];
+  // (Matches start and end only between characters.)
+  bool WordBefore(uint32_t at) const {
+    return at > 0 && IsWordCharacter(CharAt(at >= 2 && Width(at - 2) == 2 ? at - 2 : at - 1));
   }
-  bool WordBefore(uint32_t at) const { return at > 0 && IsWordCharacter(CharBefore(at)); }
   bool WordAt(uint32_t at) const { return at < text_.size() && IsWordCharacter(CharAt(at)); }
   static bool Break(UCS4 c) { return c == 0x0A || c == 0x0D || c == 0x2028 || c == 0x2029; }
   bool LineStart(uint32_t at) const {
