@@ -32,7 +32,6 @@ TEST(BareAssemb, ByteOrderMarks) {
   } cases[] = {{0xFF, 0xFE, false, true},
                {0xFE, 0xFF, true, true},
                {0xFF, 0xFF, false, false},
-               {0x00, 0x00, false, false},
                {0xFE, 0xFE, false, false}};
   for (const Case &c : cases) {
     unsigned char b[2] = {c.b0, c.b1};
