@@ -1,20 +1,20 @@
 // One language's settings and their fourteen ini keys.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <tuple>
 
 #include <kestrel/files/inifileU2.h>
 #include <kestrel/frame/host/TStringList.h>
 #include <kestrel/language/language_detailsU.h>
 
+#include "LanguageRecords.h"
+
 using namespace kestrel;
+using kestrel::test::FullRecord;
+using kestrel::test::Language;
+using kestrel::test::SameBytes;
 
 namespace {
-
-bool SameBytes(const fixed_lang_details_rec &a, const fixed_lang_details_rec &b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // Reads a section of an ini text over a record; says whether the section was there.
 bool ReadSection(const std::string &section, const std::string &text,
@@ -29,26 +29,6 @@ bool ReadSection(const std::string &section, const std::string &text,
   return found;
 }
 
-// A record with every field set, strings included that need care in a file.
-fixed_lang_details_rec FullRecord(const std::string &name) {
-  fixed_lang_details_rec r;
-  r.AllowExtraToEndOfWord = true;
-  r.SortLCID = 0x0809;
-  r.WinFontCharset = 238;
-  r.WinFontSize = 14;
-  r.WinFontName = " Font with blanks ";
-  r.Preference = lang_preference_type::a_preferida;
-  r.HyphenBreaks = true;
-  r.WindowsCodepage = 1250;
-  r.DosCodepage = 852;
-  r.AnsiCurrency = "\"z\xB3\"";
-  r.Allowables = "'-=;[";
-  r.AnsiLowerAccents = "\xE1\xE9\xED\xF3\xFA";
-  r.AnsiUpperAccents = "\xC1\xC9\xCD\xD3\xDA";
-  r.LanguageName = name;
-  return r;
-}
-
 } // namespace
 
 TEST(TLangDetailsHolder, AMissingSectionChangesNothing) {
@@ -60,15 +40,8 @@ TEST(TLangDetailsHolder, AMissingSectionChangesNothing) {
 TEST(TLangDetailsHolder, ASectionWithoutKeysGivesTheDefaultsAndKeepsNameAndLocale) {
   fixed_lang_details_rec r = FullRecord("Kept");
   ASSERT_TRUE(ReadSection("Custom Language 1", "[Custom Language 1]\n", r));
-  fixed_lang_details_rec expected;
-  expected.LanguageName = "Kept";
+  fixed_lang_details_rec expected = Language("Kept", true);
   expected.SortLCID = 0x0809;
-  expected.CustomLanguage = true;
-  expected.Preference = lang_preference_type::instalada;
-  expected.WindowsCodepage = 1252;
-  expected.DosCodepage = 850;
-  expected.WinFontName = "Arial";
-  expected.WinFontSize = 10;
   EXPECT_TRUE(SameBytes(r, expected));
 }
 

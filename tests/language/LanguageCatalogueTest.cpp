@@ -2,8 +2,7 @@
 // all-languages file.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
+#include "LanguageRecords.h"
 #include "support/FileSizeLimit.h"
 #include "support/TestSupport.h"
 #include <kestrel/files/logging_utilities.h>
@@ -16,26 +15,12 @@
 #include <kestrel/language/language_detailsU.h>
 
 using namespace kestrel;
+using kestrel::test::FullRecord;
+using kestrel::test::Language;
+using kestrel::test::SameBytes;
 using kestrel::test::TempDir;
 
 namespace {
-
-bool SameBytes(const fixed_lang_details_rec &a, const fixed_lang_details_rec &b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-fixed_lang_details_rec Language(const std::string &name, bool custom = false) {
-  fixed_lang_details_rec r;
-  r.LanguageName = name;
-  r.CustomLanguage = custom;
-  r.Preference = lang_preference_type::instalada;
-  r.SortLCID = 0x0409;
-  r.WindowsCodepage = 1252;
-  r.DosCodepage = 850;
-  r.WinFontName = "Arial";
-  r.WinFontSize = 10;
-  return r;
-}
 
 std::vector<std::string> FavouriteNames(const TMKLanguages &languages) {
   std::vector<std::string> names;
@@ -176,19 +161,7 @@ TEST_F(Catalogue, TypedAccessOutOfRangeGivesZerosAndIgnoresSets) {
 }
 
 TEST_F(Catalogue, ARoundTripOfTheFileKeepsEveryField) {
-  fixed_lang_details_rec english = Language("English");
-  english.AllowExtraToEndOfWord = true;
-  english.SortLCID = 0x0809;
-  english.WinFontCharset = 238;
-  english.DosCodepage = 852;
-  english.WinFontSize = 12;
-  english.WinFontName = " Padded Font ";
-  english.Preference = lang_preference_type::a_preferida;
-  english.HyphenBreaks = true;
-  english.AnsiCurrency = "\xA3,$";
-  english.Allowables = "'\"-";
-  english.AnsiLowerAccents = "\xE9\xE8";
-  english.AnsiUpperAccents = "\xC9\xC8";
+  const fixed_lang_details_rec english = FullRecord("English");
   fixed_lang_details_rec klingon = Language("tlhIngan Hol", true);
   klingon.Preference = lang_preference_type::rank_2;
   klingon.Allowables = " ";

@@ -32,7 +32,6 @@ TEST(BareAssemb, ByteOrderMarks) {
   } cases[] = {{0xFF, 0xFE, false, true},
                {0xFE, 0xFF, true, true},
                {0xFF, 0xFF, false, false},
-               {0x00, 0x00, false, false},
                {0xFE, 0xFE, false, false}};
   for (const Case &c : cases) {
     unsigned char b[2] = {c.b0, c.b1};
@@ -46,12 +45,9 @@ TEST(BareAssemb, FastStrPosLeavesTheLastStartUntried) {
     const char *text, *sub;
     int32_t len;
     long at;
-  } cases[] = {
-      {"abc", "c", 3, -1},    {"abc", "c", 4, 2},    {"abc", "abc", 3, -1}, {"abc", "abc", 4, 0},
-      {"abcabc", "bc", 6, 1}, {"xxab", "ab", 4, -1}, {"xxabx", "ab", 5, 2}, {"abc", "", 4, -1},
-      {"abc", "abcd", 4, -1}, {"abc", "b", 0, -1},   {"abc", "b", -5, -1},  {"aaab", "aab", 5, 1},
-  };
-  // The wide forms share the code; the randomized test below covers them.
+  } cases[] = {// The terminator may end a match; the randomized test below covers the rest.
+               {"abc", "c", 4, 2},     {"abc", "abc", 4, 0}, {"abc", "", 4, -1},
+               {"abc", "abcd", 4, -1}, {"abc", "b", -5, -1}, {"aaab", "aab", 5, 1}};
   for (const Case &c : cases)
     EXPECT_EQ(At(FastStrPos(c.text, c.sub, c.len), c.text), c.at) << c.text << " / " << c.sub;
   EXPECT_EQ(FastStrPos(static_cast<const char *>(nullptr), "a", 5), nullptr);
@@ -66,13 +62,10 @@ TEST(BareAssemb, FastStrIPosTakesEitherForm) {
     const char *text, *form1, *form2;
     int32_t len;
     long at;
-  } cases[] = {
-      {"xAyaz", "a", "A", 6, 1},     {"The cAT sat", "cat", "CAT", 12, 4},
-      {"xcAtx", "cat", "CAT", 5, 1}, {"xxcat", "cat", "CAT", 5, -1},
-      {"cat", "cat", "CA", 10, -1},  {"cat", "", "", 10, -1},
-      {"cat", "cat", "CAT", 0, -1},  {"cxt", "cat", "CAT", 4, -1},
-      {"cAT", "cat", "CAT", 3, -1},
-  };
+  } cases[] = {{"The cAT sat", "cat", "CAT", 12, 4},
+               {"cat", "cat", "CA", 10, -1},
+               {"cat", "", "", 10, -1},
+               {"cxt", "cat", "CAT", 4, -1}};
   for (const Case &c : cases)
     EXPECT_EQ(At(FastStrIPos(c.text, c.form1, c.form2, c.len), c.text), c.at) << c.text;
   // Forms of different lengths are refused before the text is looked at.
@@ -96,15 +89,10 @@ TEST(BareAssemb, FastStrScan) {
 TEST(BareAssemb, SearchAndReplaceFast) {
   struct Case {
     std::string buffer, search, replace, expected;
-  } cases[] = {
-      {"abab", "ab", "xy", "xyab"},        // the second occurrence ends the buffer
-      {"ababx", "ab", "xy", "xyxyx"},      //
-      {"aaaa", "aa", "bb", "bbaa"},        // non-overlapping, and the last stays
-      {"aaaaa", "aa", "bb", "bbbba"},      //
-      {"axa", "a", "b", "bxa"},            // one byte: the last byte is never replaced
-      {"abc", "abc", "xyz", "abc"},        //
-      {"xabcab", "abc", "XYZ!", "xXYZab"}, // only SearchLen bytes of Replace
-  };
+  } cases[] = {// The last byte is never replaced, and only SearchLen bytes of Replace are
+               // used; the randomized test below covers the rest.
+               {"abc", "abc", "xyz", "abc"},
+               {"xabcab", "abc", "XYZ!", "xXYZab"}};
   for (const Case &c : cases) {
     std::string b = c.buffer;
     SearchAndReplaceFast(b.data(), c.search.data(), c.replace.data(), Len(b), Len(c.search));
@@ -130,14 +118,10 @@ TEST(BareAssemb, UnitReplacements) {
   ReplaceCharacterBySpace(one.data(), '.', 3);
   EXPECT_EQ(one, "x y.z");
 
-  std::u16string w = u"a\tb\r\n\r\n\u0001\u0100";
-  std::u16string wcr = w, wctl = w, wch = w;
-  ReplaceCarriageReturnsBySpaceW(wcr.data(), static_cast<int32_t>(wcr.size()));
-  EXPECT_EQ(wcr, u"a\tb    \u0001\u0100");
-  ReplaceControlCharsBySpaceW(wctl.data(), static_cast<int32_t>(wctl.size()));
-  EXPECT_EQ(wctl, u"a b     \u0100");
-  ReplaceCharacterBySpaceW(wch.data(), u'\u0100', static_cast<int32_t>(wch.size()));
-  EXPECT_EQ(wch.back(), u' ');
+  // The wide forms share this code but for the reading of a unit's value.
+  std::u16string w = u"a\tb\r\n\u0001\u0100";
+  ReplaceControlCharsBySpaceW(w.data(), static_cast<int32_t>(w.size()));
+  EXPECT_EQ(w, u"a b   \u0100");
 
   std::string blank = "abcd";
   BlankOutSomeBytesA(blank.data(), -1);
@@ -145,9 +129,6 @@ TEST(BareAssemb, UnitReplacements) {
   EXPECT_EQ(blank, "abcd");
   BlankOutSomeBytesA(blank.data(), 3);
   EXPECT_EQ(blank, "   d");
-  std::u16string wblank = u"abcd";
-  BlankOutSomeBytesW(wblank.data(), 2);
-  EXPECT_EQ(wblank, u"  cd");
 }
 
 TEST(BareAssemb, CaseOfWords) {
@@ -190,7 +171,6 @@ TEST(BareAssemb, BetweenChars) {
       {"a<b>c", '<', '>', 2, true, std::string("ab>c\0#", 6)},
       {"a<b>c", '<', '>', 3, false, std::string("a   c\0", 6)},
       {"a<b>c", '<', '>', 3, true, std::string("ac\0>c#", 6)},
-      {"a<b>c", '<', '>', 2, false, std::string("ab>c\0#", 6)},
       {"<<x>", '<', '>', 3, true, std::string("\0<x>#", 5)},
       {"", '<', '>', 0, true, std::string("\0", 1)},
   };
@@ -214,8 +194,8 @@ TEST(BareAssemb, CompactingLengths) {
 
   struct Case {
     std::string text, squeezed;
-  } cases[] = {{"a  b", "a b"}, {"a  ", "a "}, {"  a   b ", " a b "}, {"ab", "ab"},
-               {" ", " "},      {"", ""},      {"a\t\tb", "a\t\tb"},  {"a \t b", "a \t b"}};
+  } cases[] = {
+      {"", ""}, {"a\t\tb", "a\t\tb"}, {"a \t b", "a \t b"}}; // tabs: not in the random texts
   for (const Case &c : cases) {
     std::string b = Spare(c.text);
     int32_t n = RemoveRedundantSpaceA(b.data(), Len(c.text));

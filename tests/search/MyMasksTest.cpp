@@ -29,8 +29,7 @@ TEST(TMyMasks, ListSyntax) {
               {"Text files (*.txt;*.doc)", 2, "*.txt;*.doc"},
               {")*.txt(", 1, ")*.txt("},
               {"(*.txt", 1, "(*.txt"},
-              {"()", 0, ""},
-              {"All (*.*)", 1, "*.*"}};
+              {"()", 0, ""}};
   for (const Row &r : rows) {
     SCOPED_TRACE(r.list);
     Masks m(r.list);
@@ -45,7 +44,6 @@ TEST(TMyMasks, Matching) {
     bool match;
   } rows[] = {
       {"", "a.txt", false},
-      {"", "", false},
       {"*.txt;*.doc", "b.DOC", true},
       {"*.txt;*.doc", "b.pdf", false},
       {"*.*", "noext", true},     // matches without the mask being asked
@@ -60,14 +58,6 @@ TEST(TMyMasks, Matching) {
     Masks m(r.list);
     EXPECT_EQ(m->Matches(r.name), r.match);
   }
-}
-
-TEST(TMyMasks, StarDotStarStopsTheWalkWithoutAskingTheMask) {
-  Masks m("*.txt;*.*;x");
-  ASSERT_EQ(m->GetEntries().size(), 3u);
-  EXPECT_TRUE(m->GetEntries()[0].Selective);
-  EXPECT_FALSE(m->GetEntries()[1].Selective);
-  EXPECT_TRUE(m->Matches("README"));
 }
 
 TEST(TMyMasks, ABadMaskRaisesFromCreate) {

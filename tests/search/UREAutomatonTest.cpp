@@ -116,17 +116,6 @@ TEST(UREAutomaton, ACompileOfABoundOfFortyStaysSmall) {
   EXPECT_EQ(accepting, 40u);
 }
 
-TEST(UREAutomaton, NoTwoStatesBehaveAlikeAfterMerging) {
-  for (const char16_t *p : {u"a(b|c)|d(c|b)", u"(ab|cd){1,6}", u"(a|b)*abb", u"[ab]*c[ab]*c",
-                            u"x(y|z)*x|w(z|y)*x", u"(a|ab)(c|bcd)(d*)", u"(^a|b$)+c"}) {
-    TURESearch engine;
-    const TDFA &dfa = Compile(engine, p);
-    for (uint32_t i = 0; i < dfa.StateList.StatesUsed; ++i)
-      for (uint32_t j = 0; j < i; ++j)
-        EXPECT_FALSE(Alike(dfa, i, j)) << i << " " << j << " " << Describe(dfa);
-  }
-}
-
 // A bound is the alternative of its spelled-out sequences, as the pattern
 // would be written by hand: both give the same automaton, state by state.
 TEST(UREAutomaton, BoundsEqualTheirSpelledOutAlternatives) {

@@ -1,6 +1,5 @@
-// TranslateFamiliarSyntax: what the translated patterns find, what is
-// refused and where, and classes built from complements checked against the
-// character database code point by code point.
+// TranslateFamiliarSyntax: what translations find, what is refused, and
+// classes with complements against the character database.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -45,7 +44,6 @@ TEST_P(FamiliarSyntaxFinds, WhatItSays) {
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxFinds, ::testing::Values(
     Found{u"[[:alpha:]]+ness", false, u"kindness 4ness d\u00e9ness", {{0, 8}, {15, 21}}},
-    Found{u"[:alpha:]+ness", false, u"kindness", {{0, 8}}},
     Found{u"[[:digit:][:space:]]+", false, u"a1 2\t3b", {{1, 6}}},
     Found{u"[[:punct:]]+", false, u"a+b_c$d!?", {{1, 2}, {3, 4}, {5, 6}, {7, 9}}},
     Found{u"[[:upper:]]", false, u"aB\u00c9", {{1, 2}, {2, 3}}},
@@ -53,9 +51,7 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxFinds, ::testing::Values(
     Found{u"\\d+", false, u"a12 \u0663\u0664", {{1, 3}, {4, 6}}},
     Found{u"\\D+", false, u"a12b", {{0, 1}, {3, 4}}},
     Found{u"\\s+", false, u"a \t\u00a0\u2028b\u0085", {{1, 5}, {6, 7}}},
-    Found{u"\\S+", false, u"ab cd", {{0, 2}, {3, 5}}},
     Found{u"\\w+", false, u"na\u00efve e\u0301t\u00e9 x_1-y", {{0, 5}, {6, 10}, {11, 14}, {15, 16}}},
-    Found{u"\\W+", false, u"ab, cd", {{2, 4}}},
     Found{u"[^\\W\\d_]+", false, u"ab_12cd\u203f", {{0, 2}, {5, 8}}},
     // Written as ranges, the members of a class with a complement are folded
     // first: the engine would fold the range U+0130-U+0131 into i-U+0131.
@@ -68,9 +64,7 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxFinds, ::testing::Values(
     Found{u"\\P{L}+", false, u"ab12cd", {{2, 4}}},
     Found{u"\\p{^L}+", false, u"ab12cd", {{2, 4}}},
     Found{u"\\p{Pi}\\w+\\p{Pf}", false, u"\u00abmot\u00bb", {{0, 5}}},
-    Found{u"\\p{Nl}+", false, u"x\u2160\u2161", {{1, 3}}},
     Found{u"\\p{Cn}", false, u"a\u0378", {{1, 2}}},
-    Found{u"\\p{Me}", false, u"a\u20dd", {{1, 2}}},
     Found{u"[\\p{Pc}\\p{Nd}]+", false, u"a_1\u203fb", {{1, 4}}},
     Found{u"\\x{10400}\\x{41}", false, u"\U00010400A", {{0, 3}}},
     Found{u"[\\x{10400}-\\x{10410}]", false, u"\U00010405", {{0, 2}}},
@@ -78,9 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxFinds, ::testing::Values(
     Found{u"(?:ab)+c", false, u"ababc", {{0, 5}}},
     Found{u"(?<word>ab)|(?P<n>cd)", false, u"abcd", {{0, 2}, {2, 4}}},
     Found{u"\\Q.*+\\E", false, u"a.*+", {{1, 4}}},
-    Found{u"a\\e", false, u"a\x1b", {{0, 2}}},
     Found{u"[\\e\\t]", false, u"\x1b\t", {{0, 1}, {1, 2}}},
-    Found{u"\\d{2,3}", false, u"12345", {{0, 3}, {3, 5}}},
     Found{u"a{10}", false, u"aaaaaaaaaaa", {{0, 10}}}, // bounds of more than one digit
     Found{u"a{2,12}", false, u"aaa", {{0, 3}}},
     Found{u"\\d\\d5", false, u"125", {{0, 3}}},
@@ -131,7 +123,6 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxRefuses, ::testing::Values(
     Refused{u"a()", "the empty group () at character 2 is not supported"},
     Refused{u"(?:)", "the empty group (?:) at character 1 is not supported"},
     Refused{u"a{0}", "the repetition {0} at character 2 is not supported"},
-    Refused{u"a{,0}", "the repetition {,0} at character 2 is not supported"},
     Refused{u"a{2,0}", "the repetition {2,0} at character 2 is not supported"},
     Refused{u"[[=e=]]", "the equivalence class [= at character 2 is not supported"},
     Refused{u"[[.a.]]", "the collating element [. at character 2 is not supported"},

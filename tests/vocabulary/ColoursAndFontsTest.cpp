@@ -42,9 +42,7 @@ TEST(ColoursAndFonts, ParsedFontInfo) {
       // No comma: the name is dropped too.
       {"Courier", "Arial", 10},
       {"Courier,big", "Arial", 10},
-      {"Courier,", "Arial", 10},
       {"a,b,12", "Arial", 10},
-      {"", "Arial", 10},
       // At most 255 characters after the comma make the size.
       {"Mono,1" + std::string(254, ' ') + "9", "Mono", 1},
   };

@@ -54,10 +54,8 @@ TEST(ListTypes, EveryTableIsFilledToTheLastRow) {
 
 TEST(ListTypes, ListSignatureDropsOnlyATrailing32) {
   EXPECT_EQ(ListSignature(word_list), "Word List");
-  EXPECT_EQ(ListSignature(text_list), " Text List");
   EXPECT_EQ(ListSignature(kw_cluster_list), "Salients ClusterList");
   EXPECT_EQ(ListSignature(notes_window), "Notes");
-  EXPECT_EQ(ListSignature(spare9), "spare9");
   EXPECT_EQ(ListSignature(none_in_use), "");
 }
 
@@ -102,7 +100,6 @@ TEST(ListTypes, DefaultExtensionOfTools) {
   EXPECT_EQ(DefaultExtFromToolType(glass), ".vwr");
   EXPECT_EQ(DefaultExtFromToolType(twin_seeker), ".txt");
   EXPECT_EQ(DefaultExtFromToolType(hub), ".dat");
-  EXPECT_EQ(DefaultExtFromToolType(tool_spare4), ".dat");
   test::ToolGuard guard(lineups);
   EXPECT_EQ(DefaultExtFromToolType(widener16), ".cnc");
   current_tool_var = widener16;

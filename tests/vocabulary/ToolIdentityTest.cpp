@@ -51,12 +51,9 @@ TEST(ToolIdentity, ProgramNamesChooseTheirTool) {
       {"lineups.EXE", tool_type::lineups},
       {"/x/marlowick.bin", tool_type::hub},
       {"/x/Text_Morpher.exe", tool_type::morpher},
-      {"/x/picktongues.exe", tool_type::tonguepick},
-      {"/x/File_Kit.exe", tool_type::file_kit},
       {"/x/SomethingElse.exe", tool_type::hintbox},
       {"/x/Text Morpher.exe", tool_type::hintbox}, // display name, not file name
       {"/x/.exe", tool_type::hintbox},             // empty name: first empty row
-      {"", tool_type::hintbox},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.program);
