@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <functional>
 
@@ -206,8 +205,7 @@ TEST(OpenedAZipFileToTempDir, UnpacksTheMemberByItsNumber) {
   EXPECT_EQ(ReadFileBytes(z.tmp + "/c.txt"), "second");
   EXPECT_FALSE(fs::exists(z.tmp + "/sub"));
   EXPECT_TRUE(boxes.Boxes().empty());
-  // The plain name of the archive will do too; c.txt is there now, so the
-  // question comes, and the script's OK overwrites it.
+  // The plain name of the archive will do too; c.txt is there now: asked, and overwritten.
   EXPECT_EQ(OpenedAZipFileToTempDir(z.dir / "corpus/b.zip", 2), z.tmp + "/c.txt");
   EXPECT_EQ(boxes.Boxes().size(), 1u);
 }
