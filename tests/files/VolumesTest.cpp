@@ -99,7 +99,7 @@ TEST_F(Volumes, DriveTypesFromTheMountTable) {
   EXPECT_FALSE(drives & (1u << ('Q' - 'A')));
 }
 
-TEST_F(Volumes, LabelsAndSerials) {
+TEST_F(Volumes, LabelsSerialsAndNetworkNames) {
   EXPECT_EQ(VolumeID('u'), "[usb stick]");
   EXPECT_EQ(VolumeID('U'), "[USB STICK]");
   EXPECT_EQ(VolumeID('M'), "[]");
@@ -124,9 +124,7 @@ TEST_F(Volumes, LabelsAndSerials) {
   ASSERT_TRUE(GetVolumeInformationA("M:/", nullptr, 0, &first, nullptr, nullptr, nullptr, 0));
   ASSERT_TRUE(GetVolumeInformationA("M:/", nullptr, 0, &second, nullptr, nullptr, nullptr, 0));
   EXPECT_EQ(first, second);
-}
 
-TEST_F(Volumes, NetworkNames) {
   EXPECT_EQ(NetworkVolume('N'), "SERVER:/EXPORT");
   EXPECT_EQ(NetworkVolume('n'), "server:/export");
   EXPECT_EQ(NetworkVolume('u'), "[usb stick]");
@@ -139,19 +137,14 @@ TEST_F(Volumes, NetworkNames) {
   EXPECT_EQ(WNetGetConnectionA("Q:", small, &length), ERROR_BAD_DEVICE);
 }
 
-TEST_F(Volumes, DriveWithMostFreeSpace) {
+TEST_F(Volumes, FreeSpace) {
   EXPECT_EQ(DriveWithMostFreeSpace(), ""); // C: is no mount of this table, the rest not fixed
-  // One fixed drive among c to z (the free space of one file system moves
-  // as other programs write, so two of them would race), and a and b, fixed
-  // too, never count.
+  // One fixed drive among c to z (two would race other writers); a and b never count.
   SetRemovable(false);
   SetDriveType('U', DRIVE_REMOVABLE);
   Map('A', "with blank");
   Map('B', "with blank");
   EXPECT_EQ(DriveWithMostFreeSpace(), "f:/");
-}
-
-TEST_F(Volumes, DiskFree) {
   EXPECT_GT(DiskFree(static_cast<uint8_t>('U' - 'A' + 1)), 0);
   EXPECT_EQ(DiskFree(static_cast<uint8_t>('Q' - 'A' + 1)), -1);
   EXPECT_EQ(DiskFree(27), -1);
