@@ -116,8 +116,7 @@ TEST(FastSearch, GivesThePlainWaysLinesOnRandomTexts) {
     FastResult got;
     auto matcher = Matcher::Make(q.pattern, c.match);
     if (!FastSearchText(source, *plan, *matcher, c.settings, got)) {
-      // Only a context reaching past the kept history, a line longer than
-      // may be held, or a control in a short text sends these back.
+      // Only a context past the history, a line too long to hold or a control sends it back.
       ++plain;
       ASSERT_TRUE(c.settings.history < 1000 || c.settings.mostHeld < 1000 ||
                   bytes.find('\x07') != std::string::npos);
@@ -147,8 +146,7 @@ TEST(FastSearch, GivesThePlainWaysLinesOnRandomTexts) {
   EXPECT_GT(fast, 2000);
 }
 
-// The fast way's search of a text for the literal "kestrel"; false when it
-// leaves the text to the plain way.
+// The fast search for "kestrel"; false when it leaves the text to the plain way.
 bool FastKestrel(const std::string &text, const FastSettings &s, FastResult &r) {
   MatchOptions m;
   const std::optional<FastPlan> plan = FastPlan::Make(u"kestrel", m);
@@ -176,8 +174,7 @@ TEST(FastSearch, LeavesTextsThatNeedDecodingToThePlainWay) {
   }
 }
 
-// A control such as BEL makes UTF-8 open to the test for UTF-16, on the
-// text's first 64 KiB: Cyrillic letters in two-byte forms pass it.
+// A control opens UTF-8 to the test for UTF-16 on the first 64 KiB, which Cyrillic passes.
 TEST(FastSearch, ControlsLeaveTextToThePlainWayOnlyWhenItMayBeUtf16) {
   std::string cyrillic, english;
   for (int i = 0; i < 3000; ++i)
@@ -203,8 +200,7 @@ TEST(FastSearch, ControlsLeaveTextToThePlainWayOnlyWhenItMayBeUtf16) {
   }
 }
 
-// Which patterns the fast way takes: those whose every match holds a
-// literal and stays on one line.
+// The fast way takes patterns whose every match holds a literal and stays on one line.
 TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
   struct Row {
     std::u16string pattern;
@@ -228,8 +224,7 @@ TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
   }
 }
 
-// What is held stays bounded by the history, the longest line and a block or
-// two, however long the text and however dense the matches (contexts that
+// What is held stays bounded however long the text and dense the matches (contexts that
 // reach into the next lines read on, and must not keep all they read).
 TEST(FastSearch, HoldsNoMoreThanTheLinesItNeeds) {
   std::string text;

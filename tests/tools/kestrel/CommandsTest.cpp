@@ -1,8 +1,5 @@
-// The kestrel commands end to end: each row of the table runs the built program
-// in a fresh copy of the input files (inputs/) and compares what it prints (exit code,
-// standard output, standard error, and any file it was asked to leave) with a
-// golden file in golden/. KESTREL_UPDATE_GOLDEN=1 rewrites the golden files
-// instead; review the difference before committing it.
+// Each row runs kestrel in a fresh copy of inputs/ and compares exit code, output and files
+// left with golden/<row>.txt; KESTREL_UPDATE_GOLDEN=1 rewrites them (review the diff).
 #include <gtest/gtest.h>
 
 #include <algorithm>
