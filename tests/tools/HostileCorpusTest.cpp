@@ -239,7 +239,6 @@ TEST(HostileCorpus, ResultsPerTextAreBounded) {
        1,
        "0 matches",
        "more than 10000 empty matches"},
-      {{"search", "--max-count", "0", "a", a}, 2, "", "--max-count must be 1 or more"},
       {{"search", "--max-file-size", "12Q", "a", a}, 2, "", "--max-file-size needs a size"},
       // The limit holds for texts read whole (here: marks ignored); a UTF-8
       // file searched for a literal is read a block at a time.

@@ -117,7 +117,6 @@ const Row kRows[] = {
     {"search-standard-input", {"search", "--json", "kestrel", "-"}, {}, "stdin.txt"},
     {"search-one-dash-option", {"search", "-i", "word", "dash.txt"}},
     {"search-dash-pattern", {"search", "--", "-x", "dash.txt"}},
-    {"scan-one-dash-option", {"scan", "-r", "corpus"}},
     {"identify-unknown-option", {"identify", "--bogus", "x"}},
     {"identify-folder", {"identify", "lists"}},
     // Folders and archives: scan, identify, search.
@@ -191,9 +190,6 @@ const Row kRows[] = {
     {"words-bad-top", {"words", "--top", "0", "hawk.txt"}},
     {"words-bad-ngram", {"words", "--ngram", "0", "hawk.txt"}},
     {"words-bad-min-freq", {"words", "--min-freq", "x", "hawk.txt"}},
-    {"words-bad-format", {"words", "--format", "xml", "hawk.txt"}},
-    {"words-json-and-csv", {"words", "--json", "--format", "csv", "hawk.txt"}},
-    {"words-bad-locale", {"words", "--locale", "0x7fff", "hawk.txt"}},
     {"words-unknown-option", {"words", "--bogus", "hawk.txt"}},
     {"words-no-file", {"words"}},
     // langs: an all-languages file (the system's own list depends on ICU: LangsCommandTest).
