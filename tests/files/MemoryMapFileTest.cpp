@@ -155,7 +155,7 @@ TEST(MemoryMapFile, ChecksizeReplacesTheRegionUnlessAnotherHoldsIt) {
   }
 }
 
-TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
+TEST(MemoryMapFile, RefusedNamesSizesAndRoomLeaveAClosedMapAndNoRegion) {
   for (std::string name : {std::string("a/b"), std::string(300, 'n')}) {
     TFlexibleSizeMap map(name, 16);
     SCOPED_TRACE(name.size());
@@ -166,9 +166,6 @@ TEST(MemoryMapFile, RefusedNamesLeaveAClosedMapAndNoRegion) {
   EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, "zero"), 0);
   TFlexibleSizeMap negative(UniqueMapName("negative"), -8);
   ExpectClosed(negative);
-}
-
-TEST(MemoryMapFile, ARegionWithNoRoomLeavesNothingBehind) {
   std::string name = UniqueMapName("full");
   {
     test::FileSizeLimit room(65536);

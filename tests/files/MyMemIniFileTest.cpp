@@ -9,7 +9,7 @@
 using namespace kestrel;
 using kestrel::test::TempDir;
 
-TEST(TMyMemIniFile, ReadBoolLooksForTheDefaultsWordByItsFirstLetter) {
+TEST(TMyMemIniFile, BooleansAreWordsReadByTheDefaultsFirstLetter) {
   struct Case {
     const char *stored; // null: no key
     bool withTrue, withFalse;
@@ -26,10 +26,6 @@ TEST(TMyMemIniFile, ReadBoolLooksForTheDefaultsWordByItsFirstLetter) {
     EXPECT_EQ(ini.ReadBool("s", "k", true), c.withTrue) << what;
     EXPECT_EQ(ini.ReadBool("s", "k", false), c.withFalse) << what;
   }
-}
-
-TEST(TMyMemIniFile, WriteBoolWritesTheWords) {
-  TMyMemIniFile ini("");
   ini.WriteBool("s", "on", true);
   ini.WriteBool("s", "off", false);
   EXPECT_EQ(ini.ReadString("s", "on", ""), "YES");
