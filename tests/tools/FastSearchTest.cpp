@@ -207,13 +207,14 @@ TEST(FastSearch, TakesPatternsWithALiteralOnOneLine) {
     bool regex, ignoreMarks, compressSpace, fast;
   };
   const std::vector<Row> rows = {
-      {u"kestrel", false, false, false, true},  {u"kestrel", false, true, false, false},
-      {u"red kite", false, false, true, false}, {u"a.b", true, false, false, false},
-      {u"^kestrel", true, false, false, false}, {u"kestrel$", true, false, false, false},
-      {u"red|blue", true, false, false, false}, {u"[^a]bc", true, false, false, false},
-      {u"a\\sb", true, false, false, false},    {u"(a|b)cd", true, false, false, true},
-      {u"x*", true, false, false, false},       {u"\\.com", true, false, false, true},
-      {u"ab{0,2}", true, false, false, true},
+      {u"kestrel", false, false, false, true},     {u"kestrel", false, true, false, false},
+      {u"red kite", false, false, true, false},    {u"a.b", true, false, false, false},
+      {u"^kestrel", true, false, false, false},    {u"kestrel$", true, false, false, false},
+      {u"red|blue", true, false, false, false},    {u"[^a]bc", true, false, false, false},
+      {u"a\\sb", true, false, false, false},       {u"(a|b)cd", true, false, false, true},
+      {u"x*", true, false, false, false},          {u"\\.com", true, false, false, true},
+      {u"ab{0,2}", true, false, false, true},      {u"[a-z]+", true, false, false, false},
+      {u"[\\x00-z]ab", true, false, false, false},
   };
   for (const Row &r : rows) {
     MatchOptions m;
