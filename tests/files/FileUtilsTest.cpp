@@ -24,14 +24,6 @@ namespace {
 
 const int32_t kStamp = DateTimeToFileDate(EncodeDateTime(2001, 2, 3, 4, 5, 6, 0));
 
-std::vector<std::string> Entries(const std::string &folder) {
-  std::vector<std::string> names;
-  for (const auto &e : fs::directory_iterator(folder))
-    names.push_back(e.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 TEST(FileUtils, NamesAreTidied) {
   struct Case {
     const char *name, *cleaned, *dotless;
@@ -65,7 +57,7 @@ TEST(FileUtils, CopyKeepsTheSourceDateAndDatesAreSet) {
   EXPECT_FALSE(CopyDateOfFile(dir / "src.txt", dir / "gone.txt"));
 
   EXPECT_FALSE(CopyFileRetainingDate(dir / "gone.txt", dir / "new.txt"));
-  EXPECT_EQ(Entries(dir.Path()), (std::vector<std::string>{"dst.txt", "other.txt", "src.txt"}));
+  EXPECT_FALSE(fs::exists(dir / "new.txt"));
 
   EXPECT_TRUE(MySetFileDate(dir / "dst.txt", kStamp + 1));
   EXPECT_EQ(FileAge(dir / "dst.txt"), kStamp + 1);
@@ -86,8 +78,7 @@ TEST(FileUtils, CopyOverAReadOnlyTargetFailsButStillDates) {
   }
 }
 
-// How the copy replaces a file is the platform layer's test; here, the
-// reasons it leaves for a failure.
+// How the copy replaces a file is the platform layer's test; here, the reasons it leaves.
 TEST(FileUtils, CopyFileASetsTheLastError) {
   TempDir dir;
   dir.WriteFile("src.txt", std::string(20000, 's'));

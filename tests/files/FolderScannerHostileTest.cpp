@@ -1,6 +1,4 @@
-// The folder scanner over hostile folders: links, loops, special files,
-// damaged archives and folders it may not read. It lists what it can, says
-// what it passed by and why, and always ends.
+// The folder scanner over hostile folders: it lists what it can, says what it passed by, ends.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -29,9 +27,7 @@ using test::WriteZip;
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-// Lists every folder a recursive walk reaches, with what it finds there,
-// and records what the scanner passes by. Stops a runaway walk so that a
-// loop fails the test instead of hanging it.
+// Lists every folder a walk reaches and what the scanner passes by; stops a runaway loop.
 struct Walk {
   TPeruseDir scanner{"*", "*", "*", true, false, faAnyFile};
   Lines found, skipped;
@@ -82,8 +78,7 @@ TEST(FolderScannerHostile, SpecialFilesAreNotedAndNotListed) {
              "pipe.zip: not a file: a FIFO (named pipe)", "zero.txt: not a file: a device"}));
 }
 
-// root: a.txt, sub/b.txt, sub/up -> root, sub/side -> other (outside),
-// other/c.txt, other/back -> sub.
+// a.txt, sub/b.txt, sub/up -> root, sub/side -> other/ (c.txt, back -> sub).
 struct Loops {
   TempDir t, other;
   Loops() {
@@ -162,8 +157,7 @@ TEST(FolderScannerHostile, FoldersThatCantBeReadAreReportedOnce) {
   EXPECT_EQ(std::system(("rm -rf " + t / part).c_str()), 0);
 }
 
-// A deep tree walks to its bottom with few descriptors to spare: the walk
-// holds no folder open while it is below it.
+// The walk holds no folder open while it is below it: few descriptors will do.
 TEST(FolderScannerHostile, ADeepTreeWalksWithFewDescriptors) {
   TempDir t;
   std::string deepest;

@@ -1,5 +1,4 @@
-// Helpers for tests of named shared memory regions: names no other test run
-// on the machine uses, where a region shows on Linux, and a forked child.
+// Helpers for tests of named shared memory regions: fresh names, their regions, a child.
 #pragma once
 
 #include <atomic>
@@ -24,9 +23,7 @@ inline bool RegionExists(const std::string &mapName) {
   return std::filesystem::exists("/dev/shm/" + std::string(kSharedMapPrefix) + mapName);
 }
 
-// Runs body in a forked child, which leaves with body's result and without
-// running anything of the parent's at exit; the child's exit status, or -1
-// when it did not exit normally.
+// body's result from a forked child that leaves without the parent's exit work; -1 if killed.
 inline int InChild(const std::function<int()> &body) {
   pid_t pid = ::fork();
   if (pid == 0) {

@@ -1,5 +1,4 @@
-// TMyStreamMemList through a subclass that keeps strings: each item in the
-// map is its length + 1 and its bytes.
+// TMyStreamMemList through a subclass whose items in the map are length + 1 and the bytes.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -64,7 +63,6 @@ public:
 TEST(StreamMemList, ANewListHasAMapOfTheHeaderAloneAndRoundTripsEmpty) {
   StringMemList list(UniqueMapName("new"));
   EXPECT_EQ(list.fMemmap->fMapSize, 4);
-  EXPECT_EQ(list.fMemmap->GetMemL(0), 4);
   EXPECT_FALSE(list.fInMemmap);
   StringMemList unnamed("");
   EXPECT_EQ(unnamed.fMemmap->fMapName, "wordbuf_compartilhar");
@@ -87,10 +85,8 @@ TEST(StreamMemList, MoveAndLoadBetweenTwoLists) {
   EXPECT_EQ(writer->fMemmap->GetMemL(0), 4 + 9 + 5 + 15);
 
   StringMemList reader(name); // opens the region the writer left
-  EXPECT_EQ(reader.fMemmap->fMapSize, 33);
   EXPECT_TRUE(reader.LoadFromMemmap());
   EXPECT_EQ(reader.Strings(), (std::vector<std::string>{"alpha", "b", "gamma delta"}));
-  EXPECT_FALSE(reader.fInMemmap);
 
   writer.release()->Free();
   EXPECT_TRUE(RegionExists(name)); // the reader still holds it
@@ -159,6 +155,7 @@ TEST(StreamMemList, AnotherProcessLoadsWhatOneMoved) {
     });
     ASSERT_EQ(status, 0);
     EXPECT_TRUE(writer.LoadFromMemmap());
+    EXPECT_FALSE(writer.fInMemmap);
     EXPECT_EQ(writer.Strings(), std::vector<std::string>{"answered"});
   }
   EXPECT_FALSE(RegionExists(name));

@@ -1,5 +1,4 @@
-// Drives and volumes of file_utils over the drive table, read from mount
-// tables that the tests write (and from the real ones where it can't differ).
+// Drives and volumes of file_utils over the drive table, from mount tables the tests write.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -22,42 +21,41 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A machine of its own: folders of the temporary folder, each named as a
-// mount point in a mount table, with labels, UUIDs and a removable flag.
+// A machine of its own: folders mounted by a mount table, with labels, UUIDs, a removable flag.
 class Volumes : public ::testing::Test {
 protected:
   void SetUp() override {
     struct stat st;
     ::stat(dir.Path().c_str(), &st);
     std::string dev = std::to_string(major(st.st_dev)) + ":" + std::to_string(minor(st.st_dev));
-    for (const char *folder : {"usb", "net", "cd", "ram", "proc", "with blank", "dev"})
-      fs::create_directories(dir / folder);
     dir.WriteFile("dev/usb-device", "");
     dir.WriteFile("dev/disk-device", "");
-    std::ofstream(dir / "mountinfo")
-        << "30 1 " << dev << " / " << dir.Path() << "/usb rw - vfat " << dir.Path()
-        << "/dev/usb-device rw\n"
-        << "31 1 " << dev << " / " << dir.Path() << "/net rw shared:1 - nfs4 server:/export rw\n"
-        << "32 1 " << dev << " / " << dir.Path() << "/cd ro - iso9660 /dev/sr0 ro\n"
-        << "33 1 " << dev << " / " << dir.Path() << "/ram rw - tmpfs tmpfs rw\n"
-        << "34 1 " << dev << " / " << dir.Path() << "/proc rw - proc proc rw\n"
-        << "35 1 " << dev << " / " << dir.Path() << "/with\\040blank rw - ext4 " << dir.Path()
-        << "/dev/disk-device rw\n";
+    const std::string mounts[][2] = {{"usb", "rw - vfat " + dir / "dev/usb-device"},
+                                     {"net", "rw shared:1 - nfs4 server:/export"},
+                                     {"cd", "ro - iso9660 /dev/sr0"},
+                                     {"ram", "rw - tmpfs tmpfs"},
+                                     {"proc", "rw - proc proc"},
+                                     {"with blank", "rw - ext4 " + dir / "dev/disk-device"}};
+    std::ofstream table(dir / "mountinfo"); // drives U N D M P F
+    for (size_t i = 0; i < std::size(mounts); ++i) {
+      const std::string &folder = mounts[i][0];
+      fs::create_directories(dir / folder);
+      Map("UNDMPF"[i], folder);
+      const std::string point = folder == "with blank" ? "with\\040blank" : folder;
+      table << 30 + i << " 1 " << dev << " / " << dir / point << " " << mounts[i][1] << " rw\n";
+    }
+    table.close();
     fs::create_directories(dir / "disk/by-label");
     fs::create_directories(dir / "disk/by-uuid");
     fs::create_symlink(dir / "dev/usb-device", dir / "disk/by-label/Usb\\x20Stick");
     fs::create_symlink(dir / "dev/usb-device", dir / "disk/by-uuid/ABCD-1234");
     fs::create_symlink(dir / "dev/disk-device",
                        dir / "disk/by-uuid/1b4e28ba-2fa1-11d2-883f-0016d3cca427");
-    // As in sysfs: a partition's number leads to its folder below the disk,
-    // and the disk holds the removable flag.
+    // As in sysfs: a partition's number leads below its disk, which holds the removable flag.
     fs::create_directories(dir / "block/devices/sdb/sdb1");
     fs::create_symlink(dir / "block/devices/sdb/sdb1", dir / ("block/" + dev));
     SetRemovable(true);
     SetVolumeSources(dir / "mountinfo", dir / "disk", dir / "block");
-    const char *folders[] = {"usb", "net", "cd", "ram", "proc", "with blank"};
-    for (size_t i = 0; i < std::size(folders); ++i)
-      Map("UNDMPF"[i], folders[i]);
   }
   void TearDown() override {
     for (char d : mapped)
@@ -101,7 +99,7 @@ TEST_F(Volumes, DriveTypesFromTheMountTable) {
   EXPECT_FALSE(drives & (1u << ('Q' - 'A')));
 }
 
-TEST_F(Volumes, LabelsAndSerials) {
+TEST_F(Volumes, LabelsSerialsAndNetworkNames) {
   EXPECT_EQ(VolumeID('u'), "[usb stick]");
   EXPECT_EQ(VolumeID('U'), "[USB STICK]");
   EXPECT_EQ(VolumeID('M'), "[]");
@@ -126,9 +124,7 @@ TEST_F(Volumes, LabelsAndSerials) {
   ASSERT_TRUE(GetVolumeInformationA("M:/", nullptr, 0, &first, nullptr, nullptr, nullptr, 0));
   ASSERT_TRUE(GetVolumeInformationA("M:/", nullptr, 0, &second, nullptr, nullptr, nullptr, 0));
   EXPECT_EQ(first, second);
-}
 
-TEST_F(Volumes, NetworkNames) {
   EXPECT_EQ(NetworkVolume('N'), "SERVER:/EXPORT");
   EXPECT_EQ(NetworkVolume('n'), "server:/export");
   EXPECT_EQ(NetworkVolume('u'), "[usb stick]");
@@ -141,19 +137,14 @@ TEST_F(Volumes, NetworkNames) {
   EXPECT_EQ(WNetGetConnectionA("Q:", small, &length), ERROR_BAD_DEVICE);
 }
 
-TEST_F(Volumes, DriveWithMostFreeSpace) {
+TEST_F(Volumes, FreeSpace) {
   EXPECT_EQ(DriveWithMostFreeSpace(), ""); // C: is no mount of this table, the rest not fixed
-  // One fixed drive among c to z (the free space of one file system moves
-  // as other programs write, so two of them would race), and a and b, fixed
-  // too, never count.
+  // One fixed drive among c to z (two would race other writers); a and b never count.
   SetRemovable(false);
   SetDriveType('U', DRIVE_REMOVABLE);
   Map('A', "with blank");
   Map('B', "with blank");
   EXPECT_EQ(DriveWithMostFreeSpace(), "f:/");
-}
-
-TEST_F(Volumes, DiskFree) {
   EXPECT_GT(DiskFree(static_cast<uint8_t>('U' - 'A' + 1)), 0);
   EXPECT_EQ(DiskFree(static_cast<uint8_t>('Q' - 'A' + 1)), -1);
   EXPECT_EQ(DiskFree(27), -1);

@@ -60,8 +60,7 @@ TEST(WinGenOkFiles, ForcedToBeNewFileNumbersTakenNames) {
   EXPECT_EQ(GetBatchFileStartNumber(), 0);
 }
 
-// StrForcedToBeNewFile on a buffer of `room` characters holding the name,
-// numbered from 0; the buffer afterwards.
+// The buffer after StrForcedToBeNewFile on `room` characters holding the name, from 0.
 std::string StrForced(const std::string &name, size_t room) {
   std::vector<char> buffer(std::max(room, name.size() + 1));
   std::memcpy(buffer.data(), name.c_str(), name.size() + 1);
@@ -184,9 +183,7 @@ TEST(WinGenOkFiles, SmallFileFunctions) {
   TempDir dir;
   dir.WriteFile("f.txt", "");
   EXPECT_EQ(NormalisedPath("C:/"), "C:/");
-  EXPECT_EQ(NormalisedPath("ab"), "ab");
   EXPECT_EQ(NormalisedPath(dir / "x/../y/"), dir / "y");
-  EXPECT_EQ(NormalisedPath("sub/dir"), GetCurrentDir() + "/sub/dir");
 
   EXPECT_TRUE(FileNameHasWildCards("a*.txt"));
   EXPECT_TRUE(FileNameHasWildCards("a?.txt"));

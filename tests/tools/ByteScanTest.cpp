@@ -1,5 +1,4 @@
-// The byte tallies and the probe scan of the fast search: the vector ways
-// against the one-byte-at-a-time ways and against the library's decoder.
+// The vector byte tallies and probe scan against the scalar ways and the library's decoder.
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,6 +1,4 @@
-// kestrel search over a folder whose files are deleted while it runs: a file
-// listed but gone before it is read is reported with its reason and counted,
-// every other file is searched, and the summary adds up.
+// kestrel search while its files are deleted: the gone ones are reported, the summary adds up.
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -18,8 +16,7 @@ struct Outcome {
   int missing = 0; // files reported as gone
 };
 
-// One search while a shell loop deletes the files from the last name back,
-// so that the two meet somewhere in the folder.
+// One search while a shell loop deletes the files from the last name back, to meet it.
 Outcome SearchWhileDeleting(int files) {
   TempDir dir;
   for (int i = 0; i < files; ++i)
@@ -58,8 +55,7 @@ Outcome SearchWhileDeleting(int files) {
 }
 
 TEST(ChangingCorpus, FilesDeletedDuringASearchAreReportedAndCounted) {
-  // The race is not certain to be met on one run: a few tries, each of which
-  // must add up, and one at least must have seen a file go.
+  // The race is not met on every run: each try must add up, and one must see a file go.
   bool seen = false;
   for (int attempt = 0; attempt < 6 && !seen; ++attempt)
     seen = SearchWhileDeleting(1500 + 500 * attempt).missing > 0;

@@ -2,7 +2,6 @@
 // file, literal and regular, case kept and folded, is what grep -o finds.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <map>
 #include <random>
 #include <sstream>
@@ -41,14 +40,10 @@ std::string RandomText(std::mt19937 &random) {
   return text;
 }
 
-std::string Quoted(const std::string &s) {
-  return "'" + s + "'"; // the patterns below hold no quote
-}
-
 int GrepCount(const std::string &options, const std::string &pattern, const std::string &file) {
   const kestrel::test::ShellRun run =
-      kestrel::test::RunShell("LC_ALL=C.UTF-8 grep -o " + options + " -e " + Quoted(pattern) + " " +
-                              Quoted(file) + " | wc -l");
+      kestrel::test::RunShell("LC_ALL=C.UTF-8 grep -o " + options + " -e '" + pattern + "' '" +
+                              file + "' | wc -l"); // the patterns hold no quote
   return run.status == 0 ? std::stoi(run.out) : -1;
 }
 

@@ -1,7 +1,5 @@
-// kestrel search through files larger than its blocks: the fast way (read a
-// block at a time, for UTF-8 and a literal) against the plain way (the whole
-// text decoded, taken here by --ignore-marks, which changes nothing in a
-// text without marks).
+// kestrel search a block at a time against the whole text decoded (which --ignore-marks
+// forces, changing nothing in a text without marks).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,8 +13,7 @@ namespace {
 
 using kestrel::test::RunKestrel;
 
-// About 3 MB of lines of every ending, with multibyte and astral characters,
-// and matches on both sides of every megabyte.
+// About 3 MB of lines of every ending, astral characters, matches around every megabyte.
 std::string LargeText() {
   std::mt19937 rng(5);
   const std::vector<std::string> words = {
@@ -32,8 +29,7 @@ std::string LargeText() {
   return text;
 }
 
-// The output of a search read a block at a time, checked against the same
-// search of the whole text.
+// The output of a search a block at a time, checked against that of the whole text.
 std::string BlockByBlock(const std::vector<std::string> &options, const std::string &pattern,
                          const std::string &file) {
   std::vector<std::string> fast = {"search"};
@@ -60,8 +56,7 @@ TEST(SearchLargeFiles, BlockByBlockGivesWhatTheWholeTextGives) {
   EXPECT_GT(BlockByBlock({"--json", "--regex"}, "kes+trel", dir / "big.txt").size(), 10000u);
 }
 
-// More lines than are held until a text's end: searched a second time, the
-// lines go out as they are found, the same lines.
+// More lines than are held to a text's end: searched again, they go out as found.
 TEST(SearchLargeFiles, ManyLinesComeOutAsFromTheWholeText) {
   kestrel::test::TempDir dir;
   std::string text;

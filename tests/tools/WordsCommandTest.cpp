@@ -1,6 +1,4 @@
-// kestrel words end to end: counts over the sample corpus, and Ctrl-C in the
-// middle of a walk (the options that choose, order and format rows are golden
-// rows of CommandsTest.cpp).
+// kestrel words against an independent count, and Ctrl-C in the middle of a walk.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,8 +20,7 @@ namespace {
 using Result = kestrel::test::ShellRun;
 using kestrel::test::RunShell;
 
-// The rows of kestrel words over the sample corpus against an independent
-// count in Python, both as word TAB frequency TAB files, sorted.
+// Both as sorted lines of word TAB frequency TAB files.
 TEST(WordsCommand, CountsMatchAnIndependentCountOfTheCorpus) {
   struct Case {
     const char *options;
@@ -47,10 +44,8 @@ TEST(WordsCommand, CountsMatchAnIndependentCountOfTheCorpus) {
   }
 }
 
-// Ctrl-C while the second of three texts is being read: the program reads
-// it to the end, prints what it found in the first two and exits with 130.
-// The second text is standard input, a pipe: once the program has taken the
-// line written to it, the test knows it is waiting in that read.
+// Ctrl-C while the second of three texts, a pipe, is read: once the program has taken the
+// line written to it, it waits in that read. It must read to the end, print and exit 130.
 Result InterruptAtTheSecondText(std::vector<std::string> args) {
   kestrel::test::TempDir dir;
   dir.WriteFile("1.txt", "kestrel first\n");

@@ -1,11 +1,9 @@
 #!/usr/bin/env python3
-"""An independent count of words for the kestrel words test: walks folders
-(and the *.txt members of ZIP archives in them), decodes by byte-order mark
-(UTF-8 otherwise), and counts runs of letters, digits, marks and connectors. The library's character
-tables cover the Basic Multilingual Plane only (it files every character
-beyond U+FFFF as a surrogate), so those characters separate words here too.
-Prints word TAB frequency TAB files, one line per word."""
+"""An independent count of words for the kestrel words test: word TAB frequency TAB files.
+Words are runs of letters, digits, marks and connectors of the Basic Multilingual Plane (the
+library files every character beyond it as a surrogate)."""
 import os
+import re
 import sys
 import unicodedata
 import zipfile
@@ -15,12 +13,10 @@ WORD = {"Lu", "Ll", "Lt", "Lm", "Lo", "Nd", "Mn", "Mc", "Me", "Pc"}
 
 
 def decode(data):
-    if data.startswith(b"\xff\xfe"):
-        return data[2:].decode("utf-16-le")
-    if data.startswith(b"\xfe\xff"):
-        return data[2:].decode("utf-16-be")
-    if data.startswith(b"\xef\xbb\xbf"):
-        return data[3:].decode("utf-8")
+    for mark, name in ((b"\xff\xfe", "utf-16-le"), (b"\xfe\xff", "utf-16-be"),
+                       (b"\xef\xbb\xbf", "utf-8")):
+        if data.startswith(mark):
+            return data[len(mark):].decode(name)
     return data.decode("utf-8")
 
 
@@ -39,8 +35,7 @@ def texts(root):
 
 
 def clusters(text, fold, n):
-    for line in text.replace("\r\n", "\n").replace("\r", "\n").replace(
-            "\u2028", "\n").replace("\u2029", "\n").split("\n"):
+    for line in re.split("\r\n|[\r\n\u2028\u2029]", text):
         words, word = [], ""
         for c in line + " ":
             if ord(c) <= 0xFFFF and unicodedata.category(c) in WORD:

@@ -1,8 +1,5 @@
-// The kestrel commands end to end: each row of the table runs the built program
-// in a fresh copy of the input files (inputs/) and compares what it prints (exit code,
-// standard output, standard error, and any file it was asked to leave) with a
-// golden file in golden/. KESTREL_UPDATE_GOLDEN=1 rewrites the golden files
-// instead; review the difference before committing it.
+// Each row runs kestrel in a fresh copy of inputs/ and compares exit code, output and files
+// left with golden/<row>.txt; KESTREL_UPDATE_GOLDEN=1 rewrites them (review the diff).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,14 +38,10 @@ const Row kRows[] = {
     {"char-unknown-option", {"char", "--frobnicate", "A"}},
     {"char-cut-sequence", {"char", "ok", "\xC3"}},
     {"char-overlong", {"char", "\xC0\x80"}},
-    {"char-encoded-surrogate", {"char", "\xED\xA0\x80"}},
-    {"char-above-range", {"char", "\xF4\x90\x80\x80"}},
     // convert: names of encodings, marks, surrogates, replacements, failures.
     {"convert-1252-to-utf8", {"convert", "--from", "1252", "--to", "utf-8", "cp1252.txt"}},
     {"convert-utf8-to-1252", {"convert", "--from", "utf-8", "--to", "windows-1252", "cafe-utf8.txt"}},
-    {"convert-932-to-utf8", {"convert", "--from", "932", "--to", "utf-8", "sjis.txt"}},
     {"convert-utf8-to-cp932", {"convert", "--from", "utf8", "--to", "cp932", "nihon-utf8.txt"}},
-    {"convert-949-to-950", {"convert", "--from", "949", "--to", "950", "korean.txt"}},
     {"convert-empty", {"convert", "--from", "1252", "--to", "utf-8", "empty.txt"}},
     {"convert-to-utf16", {"convert", "--from", "utf-8", "--to", "utf-16", "cafe-utf8.txt"}},
     {"convert-to-utf16be", {"convert", "--from", "utf-8", "--to", "utf-16be", "cafe-utf8.txt"}},
@@ -87,12 +80,10 @@ const Row kRows[] = {
     // search --regex.
     {"regex-matches", {"search", "--regex", "--json", "k[a-z]+l", "regex.txt"}},
     {"regex-folded", {"search", "--regex", "--json", "^KES", "regex.txt"}},
-    {"regex-case-sensitive-none", {"search", "--regex", "--json", "--case-sensitive", "^KES", "regex.txt"}},
     {"regex-case-sensitive", {"search", "--regex", "--case-sensitive", "^kes", "regex.txt"}},
     {"regex-pattern-file", {"search", "--regex", "--json", "--pattern-file", "class-pattern.txt", "regex.txt"}},
     {"regex-group-open", {"search", "--regex", "(ab", "regex.txt"}},
     {"regex-empty-group", {"search", "--regex", "()", "regex.txt"}},
-    {"regex-no-operand", {"search", "--regex", "*a", "regex.txt"}},
     {"regex-whole-word", {"search", "--regex", "--whole-word", "kes", "regex.txt"}},
     {"regex-ignore-marks", {"search", "--regex", "--ignore-marks", "kes", "regex.txt"}},
     {"regex-compress-space", {"search", "--regex", "--compress-space", "kes", "regex.txt"}},
@@ -109,28 +100,16 @@ const Row kRows[] = {
     {"words-shorter-match-keeps-bounds", {"search", "--json", "--whole-word", "--regex", "a.|a", "a-b.txt"}},
     {"words-inside-a-refused-one", {"search", "--json", "--whole-word", "a-a", "ba-a-a.txt"}},
     {"accents-bare-pattern", {"search", "--json", "--ignore-marks", "ceske", "accents.txt"}},
-    {"accents-marked-pattern", {"search", "--json", "--ignore-marks", "\xC4\x8D" "esk\xC3\xA9", "accents.txt"}},
-    {"accents-two-spellings", {"search", "--json", "--ignore-marks", "crecerelle", "accents.txt"}},
     {"accents-regex", {"search", "--json", "--ignore-marks", "--regex", "cr[e]+cerelle", "accents.txt"}},
     {"accents-kept", {"search", "--json", "ceske", "accents.txt"}},
     {"familiar-posix-class", {"search", "--json", "--regex", "[[:alpha:]]+ness", "familiar.txt"}},
-    {"familiar-bare-class", {"search", "--json", "--regex", "[:alpha:]+ness", "familiar.txt"}},
-    {"familiar-word", {"search", "--json", "--regex", "\\w+", "familiar.txt"}},
     {"familiar-category", {"search", "--json", "--regex", "--case-sensitive", "\\p{Lu}\\p{Ll}+", "familiar.txt"}},
-    {"familiar-digits", {"search", "--json", "--regex", "\\d+", "familiar.txt"}},
     {"familiar-digits-single-pass", {"search", "--json", "--regex", "--single-pass", "\\d+", "familiar.txt"}},
     // Each file in its own encoding; the names that search and convert share.
     {"encodings-per-file", {"search", "--json", "--encoding", "1251", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed"}},
     {"encodings-report", {"search", "--report", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed"}},
     {"encodings-as-given", {"search", "--json", "--report", "--encoding", "koi8-r", "\xD0\xB4\xD0\xBE\xD0\xBC", "mixed/koi8.txt"}},
-    {"names-convert-latin1", {"convert", "--from", "utf-8", "--to", "latin1", "u.txt"}},
-    {"names-convert-koi8-r", {"convert", "--from", "utf-8", "--to", "koi8-r", "u.txt"}},
-    {"names-convert-shift-jis", {"convert", "--from", "utf-8", "--to", "shift_jis", "u.txt"}},
     {"names-convert-x-mac-cyrillic", {"convert", "--from", "utf-8", "--to", "x-mac-cyrillic", "u.txt"}},
-    {"names-search-latin1", {"search", "--encoding", "latin1", "k", "names/latin1.txt"}},
-    {"names-search-koi8-r", {"search", "--encoding", "koi8-r", "k", "names/koi8-r.txt"}},
-    {"names-search-shift-jis", {"search", "--encoding", "shift_jis", "k", "names/shift_jis.txt"}},
-    {"names-search-iso-8859-3", {"search", "--json", "--encoding", "iso-8859-3", "\xC4\x89k", "names/iso-8859-3.txt"}},
     // Folders, standard input, options.
     {"search-mask-misses-every-file", {"search", "kestrel", "notes"}},
     {"search-mask-takes-them", {"search", "--files", "*.md", "kestrel", "notes"}},
@@ -138,7 +117,6 @@ const Row kRows[] = {
     {"search-standard-input", {"search", "--json", "kestrel", "-"}, {}, "stdin.txt"},
     {"search-one-dash-option", {"search", "-i", "word", "dash.txt"}},
     {"search-dash-pattern", {"search", "--", "-x", "dash.txt"}},
-    {"scan-one-dash-option", {"scan", "-r", "corpus"}},
     {"identify-unknown-option", {"identify", "--bogus", "x"}},
     {"identify-folder", {"identify", "lists"}},
     // Folders and archives: scan, identify, search.
@@ -212,9 +190,6 @@ const Row kRows[] = {
     {"words-bad-top", {"words", "--top", "0", "hawk.txt"}},
     {"words-bad-ngram", {"words", "--ngram", "0", "hawk.txt"}},
     {"words-bad-min-freq", {"words", "--min-freq", "x", "hawk.txt"}},
-    {"words-bad-format", {"words", "--format", "xml", "hawk.txt"}},
-    {"words-json-and-csv", {"words", "--json", "--format", "csv", "hawk.txt"}},
-    {"words-bad-locale", {"words", "--locale", "0x7fff", "hawk.txt"}},
     {"words-unknown-option", {"words", "--bogus", "hawk.txt"}},
     {"words-no-file", {"words"}},
     // langs: an all-languages file (the system's own list depends on ICU: LangsCommandTest).
