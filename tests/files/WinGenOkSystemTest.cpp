@@ -19,6 +19,8 @@ using namespace kestrel;
 namespace {
 
 TEST(WinGenOkSystem, StartUpFacts) {
+  EXPECT_EQ(TrueBoolStrs, (std::vector<std::string>{"Yes", "True"})); // set by the start-up
+  EXPECT_EQ(FalseBoolStrs, (std::vector<std::string>{"No", "False"}));
   struct utsname u;
   ASSERT_EQ(::uname(&u), 0);
   unsigned major = 0, minor = 0;

@@ -55,6 +55,9 @@ TEST(WdefUnit, FinalisationReleasesAndStartUpRestores) {
     UnitCycle<&Wdef::Finalization, &Wdef::initialization> down;
     EXPECT_TRUE(txt_column_separator.empty());
     EXPECT_TRUE(TBaseDescriptivesStrings[TBaseDescriptivesSet::gc_sd].empty());
+    EXPECT_TRUE(
+        wildcards_converters[tag_wildcards_type::hash_type][tag_conversion_type::original_char]
+            .empty());
     EXPECT_TRUE(text_format_defaults[15][assume_ascii].empty());
     EXPECT_TRUE(sort_str_arr[concordance_sort_type::cs_centre].empty());
     EXPECT_TRUE(maths_functions[9].empty());
@@ -64,6 +67,9 @@ TEST(WdefUnit, FinalisationReleasesAndStartUpRestores) {
   EXPECT_EQ(row_separator_string_on, "\r\n  <ENTRY>");
   EXPECT_EQ(row_separator_string_off, "\r\n  </ENTRY>");
   EXPECT_EQ(TBaseDescriptivesStrings[TBaseDescriptivesSet::gc_sd], "Sd.");
+  EXPECT_EQ(
+      wildcards_converters[tag_wildcards_type::hash_type][tag_conversion_type::replacement_char],
+      std::u16string(1, 27));
   EXPECT_EQ(text_format_defaults[15][assume_ascii], u"auto");
   EXPECT_EQ(sort_str_arr[concordance_sort_type::cs_centre], "Centre");
   EXPECT_EQ(maths_functions[9], "Abs");
