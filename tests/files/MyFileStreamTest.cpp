@@ -11,7 +11,7 @@
 #include <kestrel/unicode/WideCStrings.h>
 
 #include "TestSupport.h"
-#include "frame/ZipTestSupport.h"
+#include "support/ZipWriter.h"
 
 using namespace kestrel;
 using kestrel::test::ReadFileBytes;

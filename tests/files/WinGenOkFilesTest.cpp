@@ -18,19 +18,13 @@
 #include "support/TestSupport.h"
 
 using namespace kestrel;
+using kestrel::test::LinesOf;
 using kestrel::test::ReadFileBytes;
 using kestrel::test::ScriptedMessageBoxes;
 using kestrel::test::TempDir;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::vector<std::string> Lines(const TStringList &list) {
-  std::vector<std::string> v;
-  for (int32_t i = 0; i < list.Count(); ++i)
-    v.push_back(list[i]);
-  return v;
-}
 
 TEST(WinGenOkFiles, ForcedToBeNewFileNumbersTakenNames) {
   TempDir dir;
@@ -104,14 +98,14 @@ protected:
 
 TEST_F(Tree, ListOfSubFolders) {
   std::unique_ptr<TStringList> flat(ListOfSubFolders(dir.Path(), false));
-  EXPECT_EQ(Lines(*flat), std::vector<std::string>{dir.Path()});
+  EXPECT_EQ(LinesOf(*flat), std::vector<std::string>{dir.Path()});
   int yields = 0;
   auto count = [&yields] { ++yields; };
   AYieldProcessProc = TYieldProcessProc::Of(&count);
   std::unique_ptr<TStringList> deep(ListOfSubFolders(dir.Path(), true));
   AYieldProcessProc = nullptr;
-  EXPECT_EQ(Lines(*deep), (std::vector<std::string>{dir.Path(), dir / "A", dir / "A/b", dir / "c",
-                                                    dir / "c/D", dir / "link"}));
+  EXPECT_EQ(LinesOf(*deep), (std::vector<std::string>{dir.Path(), dir / "A", dir / "A/b", dir / "c",
+                                                      dir / "c/D", dir / "link"}));
   // One per entry looked at ("." and ".." too: 7 at the top, 3 in each of the
   // four folders entered), and one more per folder listed.
   EXPECT_EQ(yields, 7 + 4 * 3 + 5);
@@ -121,7 +115,7 @@ TEST_F(Tree, CreateFileList) {
   TStringList *list = new TStringList;
   list->Add("stale");
   CreateFileList(dir / "*", list);
-  EXPECT_EQ(Lines(*list),
+  EXPECT_EQ(LinesOf(*list),
             (std::vector<std::string>{dir / "A", dir / "c", dir / "file.txt", dir / "link"}));
   TStringList *none = nullptr;
   CreateFileList(dir / "*.none", none);

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include <kestrel/frame/host/TStream.h>
+#include <kestrel/frame/host/TStringList.h>
 #include <kestrel/search/SearchEngine.h>
 #include <kestrel/vocabulary/my_types.h>
 
@@ -48,6 +49,13 @@ std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes) {
   if (!bytes.empty()) s->WriteBuffer(bytes.data(), static_cast<int32_t>(bytes.size()));
   s->SetPosition(0);
   return s;
+}
+
+std::vector<std::string> LinesOf(const TStrings &list) {
+  std::vector<std::string> out;
+  for (int32_t i = 0; i < list.Count(); ++i)
+    out.push_back(list[i]);
+  return out;
 }
 
 std::string Show(const std::u16string &text) {

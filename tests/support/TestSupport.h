@@ -13,6 +13,7 @@
 
 namespace kestrel {
 class TMemoryStream;
+class TStrings;
 class TSearchEngine;
 enum class tool_type : uint8_t;
 } // namespace kestrel
@@ -42,6 +43,9 @@ std::string ReadFileBytes(const std::string &path);
 // The bytes a memory stream holds, and a stream holding bytes (at position 0).
 std::string BytesOf(TMemoryStream &stream);
 std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes);
+
+// The items of a string list, in order.
+std::vector<std::string> LinesOf(const TStrings &list);
 
 // A wide text for failure messages: printable ASCII as itself, other units as \uXXXX.
 std::string Show(const std::u16string &text);

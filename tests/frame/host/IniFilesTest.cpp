@@ -11,16 +11,10 @@
 #include <kestrel/frame/host/Host.h>
 
 using namespace kestrel;
+using kestrel::test::LinesOf;
 using kestrel::test::TempDir;
 
 namespace {
-
-std::vector<std::string> Lines(const TStrings &list) {
-  std::vector<std::string> out;
-  for (int32_t i = 0; i < list.Count(); ++i)
-    out.push_back(list[i]);
-  return out;
-}
 
 struct ReadCase {
   const char *what, *text, *section, *key;
@@ -66,11 +60,11 @@ TEST(TMemIniFile, SectionsWithoutKeysExistAndListsComeInFileOrder) {
   TStringList list;
   EXPECT_TRUE(ini.SectionExists("EMPTY"));
   ini.ReadSections(&list);
-  EXPECT_EQ(Lines(list), (std::vector<std::string>{"b", "empty", "a"}));
+  EXPECT_EQ(LinesOf(list), (std::vector<std::string>{"b", "empty", "a"}));
   ini.ReadSection("b", &list);
-  EXPECT_EQ(Lines(list), (std::vector<std::string>{"z", "y"}));
+  EXPECT_EQ(LinesOf(list), (std::vector<std::string>{"z", "y"}));
   ini.ReadSectionValues("B", &list);
-  EXPECT_EQ(Lines(list), (std::vector<std::string>{"z=1", "y=2"}));
+  EXPECT_EQ(LinesOf(list), (std::vector<std::string>{"z=1", "y=2"}));
   ini.ReadSection("empty", &list);
   EXPECT_EQ(list.Count(), 0);
 }
@@ -168,7 +162,7 @@ TEST(TMemIniFile, EraseSectionAndDeleteKeyForgetThem) {
   EXPECT_FALSE(ini.SectionExists("b"));
   TStringList lines;
   ini.GetStrings(&lines);
-  EXPECT_EQ(Lines(lines), (std::vector<std::string>{"[a]", "x=1", "z=3"}));
+  EXPECT_EQ(LinesOf(lines), (std::vector<std::string>{"[a]", "x=1", "z=3"}));
   ini.Clear();
   EXPECT_FALSE(ini.SectionExists("a"));
 }

@@ -8,15 +8,9 @@
 #include "support/TestSupport.h"
 
 using namespace kestrel;
+using kestrel::test::LinesOf;
 
 namespace {
-
-std::vector<std::string> Items(const TStrings &s) {
-  std::vector<std::string> r;
-  for (int32_t i = 0; i < s.Count(); ++i)
-    r.push_back(s[i]);
-  return r;
-}
 
 using V = std::vector<std::string>;
 
@@ -28,7 +22,7 @@ TEST(TStringList, UnsortedKeepsOrderAndObjects) {
   EXPECT_EQ(l.Add("one"), 0);
   EXPECT_EQ(l.AddObject("two", &a), 1);
   l.InsertObject(0, "zero", &b);
-  EXPECT_EQ(Items(l), (V{"zero", "one", "two"}));
+  EXPECT_EQ(LinesOf(l), (V{"zero", "one", "two"}));
   EXPECT_EQ(l.Objects(0), &b);
   EXPECT_EQ(l.Objects(1), nullptr);
   EXPECT_EQ(l.Objects(2), &a);
@@ -36,13 +30,13 @@ TEST(TStringList, UnsortedKeepsOrderAndObjects) {
   EXPECT_EQ(l.IndexOfObject(&a), 2);
   l.Put(1, "uno");
   l.Exchange(0, 2);
-  EXPECT_EQ(Items(l), (V{"two", "uno", "zero"}));
+  EXPECT_EQ(LinesOf(l), (V{"two", "uno", "zero"}));
   EXPECT_EQ(l.Objects(0), &a);
   l.Move(0, 2);
-  EXPECT_EQ(Items(l), (V{"uno", "zero", "two"}));
+  EXPECT_EQ(LinesOf(l), (V{"uno", "zero", "two"}));
   EXPECT_EQ(l.Objects(2), &a);
   l.Delete(0);
-  EXPECT_EQ(Items(l), (V{"zero", "two"}));
+  EXPECT_EQ(LinesOf(l), (V{"zero", "two"}));
 }
 
 TEST(TStringList, BadIndexesAndPlacedWritesToSortedListsRaise) {
@@ -68,7 +62,7 @@ TEST(TStringList, BadIndexesAndPlacedWritesToSortedListsRaise) {
       EXPECT_EQ(e.Message(), message);
     }
   }
-  EXPECT_EQ(Items(l), V{"x"});
+  EXPECT_EQ(LinesOf(l), V{"x"});
 }
 
 TEST(TStringList, SortedWithDuplicatesRules) {
@@ -91,7 +85,7 @@ TEST(TStringList, SortedWithDuplicatesRules) {
     } else {
       EXPECT_EQ(l.Add("BANANA"), 1);
     }
-    EXPECT_EQ(Items(l), c.expected);
+    EXPECT_EQ(LinesOf(l), c.expected);
   }
 }
 
@@ -120,10 +114,10 @@ TEST(TStringList, CaseSensitivityChangesOrderAndSearch) {
     l.Add(s);
   l.SetCaseSensitive(true);
   l.SetSorted(true);
-  EXPECT_EQ(Items(l), (V{"A", "B", "a", "b"}));
+  EXPECT_EQ(LinesOf(l), (V{"A", "B", "a", "b"}));
   EXPECT_EQ(l.IndexOf("a"), 2);
   l.SetCaseSensitive(false); // re-sorts: equal items keep their order
-  EXPECT_EQ(Items(l), (V{"A", "a", "B", "b"}));
+  EXPECT_EQ(LinesOf(l), (V{"A", "a", "B", "b"}));
   EXPECT_EQ(l.IndexOf("b"), 2);
 }
 
@@ -134,13 +128,13 @@ TEST(TStringList, CustomSortUsesTheIndexCompare) {
   l.CustomSort([](TStringList *list, int32_t i, int32_t j) {
     return static_cast<int>(list->Get(j).size()) - static_cast<int>(list->Get(i).size());
   });
-  EXPECT_EQ(Items(l), (V{"dddd", "ccc", "bb", "a", ""}));
+  EXPECT_EQ(LinesOf(l), (V{"dddd", "ccc", "bb", "a", ""}));
 }
 
 TEST(TStringList, TextSplitsAtEveryLineEnd) {
   TStringList l;
   l.SetText("one\r\ntwo\nthree\rfour\r\n\r\nsix");
-  EXPECT_EQ(Items(l), (V{"one", "two", "three", "four", "", "six"}));
+  EXPECT_EQ(LinesOf(l), (V{"one", "two", "three", "four", "", "six"}));
   EXPECT_EQ(l.Text(), "one\r\ntwo\r\nthree\r\nfour\r\n\r\nsix\r\n");
   l.SetText("");
   EXPECT_EQ(l.Count(), 0);
@@ -156,16 +150,16 @@ TEST(TStringList, NamesAndValues) {
   l.SetValue("new", "x");
   EXPECT_EQ(l[3], "new=x");
   l.SetValue("key", "");
-  EXPECT_EQ(Items(l), (V{"other=two=2", "plain", "new=x"}));
+  EXPECT_EQ(LinesOf(l), (V{"other=two=2", "plain", "new=x"}));
 }
 
 TEST(TStringList, CommaTextQuotesAndSplits) {
   TStringList l;
   l.SetCommaText(R"(a, "b c",d"e  ,"x""y",, last)");
-  EXPECT_EQ(Items(l), (V{"a", "b c", "d\"e", "x\"y", "", "last"}));
+  EXPECT_EQ(LinesOf(l), (V{"a", "b c", "d\"e", "x\"y", "", "last"}));
   EXPECT_EQ(l.CommaText(), R"(a,"b c","d""e","x""y",,last)");
   l.SetCommaText("one two,");
-  EXPECT_EQ(Items(l), (V{"one", "two", ""})); // blanks separate, a last comma adds one
+  EXPECT_EQ(LinesOf(l), (V{"one", "two", ""})); // blanks separate, a last comma adds one
   l.Clear();
   l.Add("");
   EXPECT_EQ(l.CommaText(), "\"\"");
