@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <functional>
 #include <string>
 
 #include <kestrel/files/myStreamMemLists.h>
@@ -28,6 +29,16 @@ std::string Read(TFlexibleSizeMap &map, int32_t offset, int32_t count) {
 
 void Write(TFlexibleSizeMap &map, int32_t offset, const std::string &s) {
   map.WriteToMemmap(s.data(), offset, static_cast<int32_t>(s.size()));
+}
+
+// The message of the fault an access raises, or "none".
+std::string FaultOf(const std::function<void()> &access) {
+  try {
+    access();
+  } catch (const EAccessViolation &e) {
+    return e.Message();
+  }
+  return "none";
 }
 
 // A map without a region: no handle, no view, no size, nothing to read or write.
@@ -89,6 +100,9 @@ TEST(MemoryMapFile, AccessOutsideTheRegionOrOnAClosedMapRaises) {
   map.SetMemL(0, 9);
   EXPECT_EQ(map.GetMemL(12), 7); // the last 4 bytes again
   EXPECT_THROW(map.GetMemL(13), EAccessViolation);
+  map.fBase = static_cast<char *>(map.fView) - 4; // below the view: the fault names the access
+  EXPECT_NE(FaultOf([&] { Read(map, 0, 4); }).find(": read of"), std::string::npos);
+  EXPECT_NE(FaultOf([&] { Write(map, 0, "abcd"); }).find(": write of"), std::string::npos);
   map.fBase = map.fView;
   EXPECT_EQ(map.GetMemL(4), 9);
 

@@ -81,12 +81,13 @@ TEST(TextFiles, EncodingNames) {
   struct Named {
     const char *name, *shown;
   };
-  for (const Named &n : {Named{"1252", "windows-1252"}, Named{"cp1251", "windows-1251"},
-                         Named{"Windows-1250", "windows-1250"}, Named{"latin1", "ISO-8859-1"},
-                         Named{"koi8-r", "KOI8-R"}, Named{"shift_jis", "windows-932"},
-                         Named{"iso-8859-3", "ISO-8859-3"}, Named{"utf8", "UTF-8"},
-                         Named{"UTF-16", "UTF-16LE"}, Named{"utf-16be", "UTF-16BE"},
-                         Named{"ibm850", "ibm-850"}, Named{"x-mac-cyrillic", "x-mac-cyrillic"}})
+  for (const Named &n :
+       {Named{"1252", "windows-1252"}, Named{"cp1251", "windows-1251"},
+        Named{"Windows-1250", "windows-1250"}, Named{"latin1", "ISO-8859-1"},
+        Named{"koi8-r", "KOI8-R"}, Named{"shift_jis", "windows-932"},
+        Named{"iso-8859-3", "ISO-8859-3"}, Named{"utf8", "UTF-8"}, Named{"UTF-16", "UTF-16LE"},
+        Named{"utf-16be", "UTF-16BE"}, Named{"ibm850", "ibm-850"}, Named{"1200", "UTF-16LE"},
+        Named{"1201", "UTF-16BE"}, Named{"x-mac-cyrillic", "x-mac-cyrillic"}})
     EXPECT_EQ(TextEncodingFromName(n.name).Name(), n.shown) << n.name;
   EXPECT_EQ(TextEncodingFromName("koi8-r"), TextEncodingFromName("20866"));
   for (const char *bad : {"klingon", "", "99999", "cp", "1200x"})

@@ -133,6 +133,9 @@ TEST_F(Volumes, LabelsSerialsAndNetworkNames) {
   uint32_t length = sizeof small;
   EXPECT_EQ(WNetGetConnectionA("N:", small, &length), ERROR_MORE_DATA);
   EXPECT_EQ(length, 15u);
+  char exact[15];
+  EXPECT_EQ(WNetGetConnectionA("N:", exact, &length), NO_ERROR);
+  EXPECT_STREQ(exact, "server:/export");
   EXPECT_EQ(WNetGetConnectionA("U:", small, &length), ERROR_NOT_CONNECTED);
   EXPECT_EQ(WNetGetConnectionA("Q:", small, &length), ERROR_BAD_DEVICE);
 }

@@ -135,6 +135,12 @@ INSTANTIATE_TEST_SUITE_P(Syntax, FamiliarSyntaxRefuses, ::testing::Values(
     Refused{u"\\x{110000}", "the code point \\x{110000} at character 1 is not supported"}));
 // clang-format on
 
+// A brace that opens no bound goes on as it stands, for the engine to judge.
+TEST(FamiliarSyntax, ABraceThatOpensNoBoundIsPassedOn) {
+  for (const std::u16string p : {u"a{0x}", u"a{2x?"})
+    EXPECT_EQ(TranslateFamiliarSyntax(p, false), p) << test::Show(p);
+}
+
 // The matches of a one-character class over every code point of the basic
 // plane but the surrogates, against a predicate.
 void ExpectClassIs(const std::u16string &pattern, bool fold,

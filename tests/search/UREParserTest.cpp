@@ -47,7 +47,7 @@ TEST(UREParser, FaultsRaiseTheirTexts) {
     for (const std::u16string &p : patterns)
       EXPECT_EQ(CompileError(p), Fault(std::string(p.begin(), p.end()), ident)) << Show(p);
   // The message shows the pattern in UTF-8; an empty expression has its own text.
-  EXPECT_EQ(CompileError(u"\u00e9("), Fault("\xC3\xA9(", SUREGroupOpen));
+  EXPECT_EQ(CompileError(u"\u0080\u00e9("), Fault("\xC2\x80\xC3\xA9(", SUREGroupOpen));
   EXPECT_EQ(CompileError(u"\xD800("), Fault("\xEF\xBF\xBD(", SUREGroupOpen));
   EXPECT_EQ(CompileError(u"()"), "Expression is empty.");
   EXPECT_EQ(CompileError(u"(())"), "Expression is empty.");

@@ -124,6 +124,8 @@ TEST(NlsCodePages, DefaultCharacter) {
   EXPECT_EQ(ToBytes(CP_UTF8, std::u16string{u'a', 0xD800}, nullptr, nullptr, WC_ERR_INVALID_CHARS),
             "<failed>");
   EXPECT_EQ(ToBytes(1252, u"a", nullptr, nullptr, WC_ERR_INVALID_CHARS), "<failed>");
+  EXPECT_EQ(ToBytes(CP_UTF7, u"a", nullptr, nullptr, WC_ERR_INVALID_CHARS), "<failed>");
+  EXPECT_EQ(ToBytes(CP_UTF8, u"a", nullptr, nullptr, WC_ERR_INVALID_CHARS), "a");
 }
 
 TEST(NlsCodePages, ThreadsConvertAtOnce) {
