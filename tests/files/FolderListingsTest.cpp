@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 #include <kestrel/files/PeruseDir.h>
 #include <kestrel/frame/host/Host.h>
 

@@ -10,7 +10,7 @@
 #include <kestrel/frame/platform/TempPath.h>
 #include <kestrel/unicode/WideCStrings.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 #include "support/ZipWriter.h"
 
 using namespace kestrel;

@@ -6,7 +6,7 @@
 #include <kestrel/files/TextFiles.h>
 #include <kestrel/frame/host/Exceptions.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 namespace kestrel {
 namespace {

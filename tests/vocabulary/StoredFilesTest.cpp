@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 #include <kestrel/frame/host/SysUtils.h>
 #include <kestrel/vocabulary/Vocabulary.h>
 

@@ -7,7 +7,7 @@
 #include <kestrel/frame/host/Host.h>
 #include <kestrel/frame/platform/Platform.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 using kestrel::test::ReadFileBytes;

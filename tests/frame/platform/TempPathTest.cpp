@@ -2,7 +2,7 @@
 
 #include <kestrel/frame/platform/TempPath.h>
 
-#include "TestSupport.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 

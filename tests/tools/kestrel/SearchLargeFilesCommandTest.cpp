@@ -6,8 +6,8 @@
 #include <random>
 #include <string>
 
-#include "TestSupport.h"
 #include "support/RunKestrel.h"
+#include "support/TestSupport.h"
 
 namespace {
 

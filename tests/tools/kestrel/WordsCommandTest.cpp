@@ -32,8 +32,8 @@ TEST(WordsCommand, CountsMatchAnIndependentCountOfTheCorpus) {
   kestrel::test::TempDir dir;
   for (const Case &c : cases) {
     const Result python =
-        RunShell("python3 " + source + "/tests/tools/word_count.py " + corpus + " " + c.fold + " " +
-                 std::to_string(c.ngram) + " | LC_ALL=C sort");
+        RunShell("python3 " + source + "/tests/tools/kestrel/word_count.py " + corpus + " " +
+                 c.fold + " " + std::to_string(c.ngram) + " | LC_ALL=C sort");
     const Result kestrel =
         kestrel::test::RunKestrelLine("words --recursive --format tsv " + std::string(c.options) +
                                       " " + corpus + " >" + dir / "t");
