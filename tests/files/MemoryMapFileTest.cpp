@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <functional>
 #include <string>
 
 #include <kestrel/files/myStreamMemLists.h>
@@ -13,6 +12,7 @@
 
 #include "files/SharedRegionTestSupport.h"
 #include "support/FileSizeLimit.h"
+#include "support/TestSupport.h"
 
 using namespace kestrel;
 using kestrel::test::InChild;
@@ -31,15 +31,8 @@ void Write(TFlexibleSizeMap &map, int32_t offset, const std::string &s) {
   map.WriteToMemmap(s.data(), offset, static_cast<int32_t>(s.size()));
 }
 
-// The message of the fault an access raises, or "none".
-std::string FaultOf(const std::function<void()> &access) {
-  try {
-    access();
-  } catch (const EAccessViolation &e) {
-    return e.Message();
-  }
-  return "none";
-}
+// The message of the EAccessViolation a call raises, or "none".
+constexpr auto FaultOf = &test::MessageOf<EAccessViolation>;
 
 // A map without a region: no handle, no view, no size, nothing to read or write.
 void ExpectClosed(TFlexibleSizeMap &map) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,6 +44,16 @@ std::string ReadFileBytes(const std::string &path);
 // The bytes a memory stream holds, and a stream holding bytes (at position 0).
 std::string BytesOf(TMemoryStream &stream);
 std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes);
+
+// The message of the E a call raises, or "none" when it raises nothing.
+template <typename E> std::string MessageOf(const std::function<void()> &call) {
+  try {
+    call();
+  } catch (const E &e) {
+    return e.Message();
+  }
+  return "none";
+}
 
 // The items of a string list, in order.
 std::vector<std::string> LinesOf(const TStrings &list);

@@ -45,15 +45,8 @@ struct List : TWideStringList {
   }
 };
 
-// The message of the list error a call raises, or "none".
-std::string Raised(const std::function<void()> &call) {
-  try {
-    call();
-  } catch (const EStringListError &e) {
-    return e.Message();
-  }
-  return "none";
-}
+// The message of the EStringListError a call raises, or "none".
+constexpr auto Raised = &test::MessageOf<EStringListError>;
 
 // Counts the events of a list.
 struct Events {

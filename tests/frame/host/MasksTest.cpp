@@ -5,6 +5,8 @@
 
 #include <vector>
 
+#include "support/TestSupport.h"
+
 using namespace kestrel;
 
 TEST(TMask, WildcardRules) {
@@ -50,16 +52,10 @@ TEST(TMask, BadMasksRaiseWithThePosition) {
     int position;
   } rows[] = {{"[abc", 5}, {"a[", 3},   {"[]", 2},     {"[!]", 3},
               {"[-a]", 2}, {"[a-]", 3}, {"x[z-a]", 5}, {"[a-", 3}};
-  for (const Row &r : rows) {
-    SCOPED_TRACE(r.mask);
-    try {
-      TMask m(r.mask);
-      ADD_FAILURE() << "no exception";
-    } catch (const EMaskException &e) {
-      EXPECT_EQ(e.Message(), "'" + std::string(r.mask) + "' is an invalid mask at (" +
-                                 std::to_string(r.position) + ")");
-    }
-  }
+  for (const Row &r : rows)
+    EXPECT_EQ(test::MessageOf<EMaskException>([&] { TMask m(r.mask); }),
+              "'" + std::string(r.mask) + "' is an invalid mask at (" + std::to_string(r.position) +
+                  ")");
 }
 
 TEST(TMask, LongNamesDoNotTakeLong) {

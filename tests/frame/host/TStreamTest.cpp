@@ -5,6 +5,8 @@
 #include <kestrel/frame/platform/Platform.h>
 #include <kestrel/frame/platform/Resources.h>
 
+#include "support/TestSupport.h"
+
 namespace kestrel {
 namespace {
 
@@ -51,12 +53,9 @@ TEST(TStream, ResourceStreamReadsEmbeddedDataAndRefusesWrites) {
   EXPECT_THROW(s.Write(out, 1), EStreamError);
   ReplaceResourceBlob("PROBE", "TESTDATA", ResourceBlob{nullptr, 0});
   EXPECT_THROW(TResourceStream(KestrelModuleHandle(), "PROBE", "TESTDATA"), EResNotFound);
-  try {
-    TResourceStream(KestrelModuleHandle(), "NOSUCH", "UNICODE");
-    FAIL();
-  } catch (const EResNotFound &e) {
-    EXPECT_EQ(e.Message(), "Resource NOSUCH not found");
-  }
+  EXPECT_EQ(test::MessageOf<EResNotFound>(
+                [] { TResourceStream(KestrelModuleHandle(), "NOSUCH", "UNICODE"); }),
+            "Resource NOSUCH not found");
 }
 
 } // namespace
