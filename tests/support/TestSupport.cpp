@@ -51,6 +51,11 @@ std::unique_ptr<TMemoryStream> StreamOf(const std::string &bytes) {
   return s;
 }
 
+size_t EntriesIn(const std::string &folder) {
+  return size_t(std::distance(std::filesystem::directory_iterator(folder),
+                              std::filesystem::directory_iterator()));
+}
+
 std::vector<std::string> LinesOf(const TStrings &list) {
   std::vector<std::string> out;
   for (int32_t i = 0; i < list.Count(); ++i)

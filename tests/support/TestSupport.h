@@ -40,6 +40,8 @@ private:
 };
 
 std::string ReadFileBytes(const std::string &path);
+// How many entries a folder holds (a check that nothing was left behind).
+size_t EntriesIn(const std::string &folder);
 
 // The bytes a memory stream holds, and a stream holding bytes (at position 0).
 std::string BytesOf(TMemoryStream &stream);

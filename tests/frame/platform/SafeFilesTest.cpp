@@ -11,16 +11,8 @@
 #include <kestrel/frame/platform/SafeFiles.h>
 
 using namespace kestrel;
+using kestrel::test::EntriesIn;
 using kestrel::test::TempDir;
-
-namespace {
-
-size_t EntriesIn(const std::string &folder) {
-  namespace fs = std::filesystem;
-  return size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
-} // namespace
 
 TEST(CopyFileA, CopiesBytesPermissionsAndDate) {
   TempDir dir;

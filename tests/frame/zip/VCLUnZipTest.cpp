@@ -13,6 +13,7 @@
 #include "support/ZipWriter.h"
 
 using namespace kestrel;
+using kestrel::test::EntriesIn;
 using kestrel::test::LocalTime;
 using kestrel::test::ReadFileBytes;
 using kestrel::test::TempDir;
@@ -27,10 +28,6 @@ std::unique_ptr<TVCLUnZip> Opened(const std::string &zip) {
   z->SetZipName(zip);
   z->ReadZip();
   return z;
-}
-
-size_t EntriesIn(const std::string &folder) {
-  return size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
 const std::string kCompressible = [] {
